@@ -1,0 +1,26 @@
+#ifndef VORL_CIPHERWRAPPER00_H
+#define VORL_CIPHERWRAPPER00_H
+
+#include "vorl/CipherWrapper.h"
+
+namespace vorl {
+
+/// The null envelope: the message itself behind its length, for a peer that protects it otherwise.
+class VORL_API CipherWrapper00 final : public CipherWrapper {
+public:
+    explicit CipherWrapper00(const std::string& name);
+    ~CipherWrapper00() override;
+
+    /// Uses neither `ctx` nor the registry. Throws std::length_error where the envelope would pass 2^32 - 1
+    /// bytes.
+    bytes encrypt(const bytes& data, tarvik::crypto::ICipherContext& ctx) const override;
+    unsigned char id() const override;
+    std::shared_ptr<const CipherSpec> getCipherSpec() const override;
+
+protected:
+    bytes doDecrypt(Buffer& in, tarvik::crypto::ICipherContext& ctx) const override;
+};
+
+}  // namespace vorl
+
+#endif

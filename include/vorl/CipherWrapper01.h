@@ -1,0 +1,20 @@
+#ifndef VORL_CIPHERWRAPPER01_H
+#define VORL_CIPHERWRAPPER01_H
+
+#include "vorl/CipherWrapper.h"
+
+namespace vorl {
+
+/// The test envelope: AES-128-ECB with PKCS #5 padding, without an IV.
+class VORL_API CipherWrapper01 final : public CipherWrapper {
+public:
+    explicit CipherWrapper01(const std::string& name);
+    ~CipherWrapper01() override;
+
+    unsigned char id() const override;
+    std::shared_ptr<const CipherSpec> getCipherSpec() const override;
+};
+
+}  // namespace vorl
+
+#endif

@@ -1,0 +1,94 @@
+#include "brisclient/Base64.h"
+
+#include <openssl/evp.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <stdexcept>
+
+namespace Tarvik::BrisClient {
+
+namespace {
+
+using Octets = std::vector<unsigned char>;
+
+// Work goes in pieces that stay in the first-level cache between the pass that provides storage and the
+// codec.
+const std::size_t PIECE_GROUPS = std::size_t{4} * 1024;
+const std::size_t GROUP_OCTETS = 3;
+const std::size_t GROUP_CHARACTERS = 4;
+
+// How many '=' the text ends with: 0 to 2.
+std::size_t paddingOf(const Octets& text) {
+    if (text.back() != '=') {
+        return 0;
+    }
+    return text[text.size() - 2] == '=' ? 2 : 1;
+}
+
+// OpenSSL's codec takes '=' for a zero anywhere in the text, so that its place has to be judged here.
+bool hasMisplacedPadding(const Octets& text, std::size_t padding) {
+    const auto end = text.end() - static_cast<std::ptrdiff_t>(padding);
+    return std::find(text.begin(), end, static_cast<unsigned char>('=')) != end;
+}
+
+// Appends the octets of whole groups of characters. False where OpenSSL refuses one, and where it has passed
+// over white space at either end, which shows in its count.
+bool appendDecoded(Octets& out, const unsigned char* text, std::size_t groups) {
+    const std::size_t at = out.size();
+    out.resize(at + groups * GROUP_OCTETS);
+    const int written = EVP_DecodeBlock(out.data() + at, text, static_cast<int>(groups * GROUP_CHARACTERS));
+    return written == static_cast<int>(groups * GROUP_OCTETS);
+}
+
+}  // namespace
+
+Octets Base64::encode(const Octets& data) {
+    const std::size_t groups = data.size() / GROUP_OCTETS + (data.size() % GROUP_OCTETS != 0 ? 1 : 0);
+    Octets text;
+    // One more for the NUL that OpenSSL puts behind each piece.
+    if (groups > (text.max_size() - 1) / GROUP_CHARACTERS) {
+        throw std::length_error("Base64: the text would be larger than memory");
+    }
+    text.reserve(groups * GROUP_CHARACTERS + 1);
+    for (std::size_t done = 0; done < data.size();) {
+        const std::size_t octets = std::min(data.size() - done, PIECE_GROUPS * GROUP_OCTETS);
+        const std::size_t at = text.size();
+        text.resize(at + (octets + GROUP_OCTETS - 1) / GROUP_OCTETS * GROUP_CHARACTERS + 1);
+        EVP_EncodeBlock(text.data() + at, data.data() + done, static_cast<int>(octets));
+        text.pop_back();
+        done += octets;
+    }
+    return text;
+}
+
+Octets Base64::decode(const Octets& text) {
+    if (text.empty() || text.size() % GROUP_CHARACTERS != 0) {
+        return Octets();
+    }
+    const std::size_t padding = paddingOf(text);
+    if (hasMisplacedPadding(text, padding)) {
+        return Octets();
+    }
+
+    const std::size_t groups = text.size() / GROUP_CHARACTERS;
+    Octets data;
+    data.reserve(groups * GROUP_OCTETS);
+    for (std::size_t done = 0; done < groups;) {
+        const std::size_t piece = std::min(groups - done, PIECE_GROUPS);
+        if (!appendDecoded(data, text.data() + done * GROUP_CHARACTERS, piece)) {
+            return Octets();
+        }
+        done += piece;
+    }
+
+    // The padding decodes to zero octets, and so do the bits under it in a text that was really encoded.
+    const auto end = data.end() - static_cast<std::ptrdiff_t>(padding);
+    if (std::any_of(end, data.end(), [](unsigned char octet) { return octet != 0; })) {
+        return Octets();
+    }
+    data.erase(end, data.end());
+    return data;
+}
+
+}  // namespace Tarvik::BrisClient

@@ -1,0 +1,19 @@
+#include "vorl/CipherWrapper01.h"
+
+#include "vorl/CipherSpec.h"
+
+namespace vorl {
+
+CipherWrapper01::CipherWrapper01(const std::string& name) : CipherWrapper(name) {}
+
+CipherWrapper01::~CipherWrapper01() = default;
+
+unsigned char CipherWrapper01::id() const {
+    return 0x01;
+}
+
+std::shared_ptr<const CipherSpec> CipherWrapper01::getCipherSpec() const {
+    return CipherSpec::AES_128_ECB_PKCS5();
+}
+
+}  // namespace vorl

@@ -1,0 +1,19 @@
+#include "vorl/CipherWrapper02.h"
+
+#include "vorl/CipherSpec.h"
+
+namespace vorl {
+
+CipherWrapper02::CipherWrapper02(const std::string& name) : CipherWrapper(name) {}
+
+CipherWrapper02::~CipherWrapper02() = default;
+
+unsigned char CipherWrapper02::id() const {
+    return 0x02;
+}
+
+std::shared_ptr<const CipherSpec> CipherWrapper02::getCipherSpec() const {
+    return CipherSpec::AES_128_CBC_PKCS5();
+}
+
+}  // namespace vorl

@@ -1,0 +1,202 @@
+#include "vorl/SoftwareKeyCipher.h"
+
+#include "core/ErrorQueueMark.h"
+#include "mode_text.h"
+#include "vorl/CipherSpec.h"
+#include "vorl/OpenSSLException.h"
+#include "vorl/VORLException.h"
+
+#include <openssl/crypto.h>
+#include <openssl/evp.h>
+
+#include <algorithm>
+#include <utility>
+
+// What is handed to OpenSSL lies in blocks of the largest size that it knows for a key or an IV, zero beyond
+// what was given: it reads as much as its cipher takes, whatever the spec says.
+
+namespace vorl {
+
+namespace {
+
+// OpenSSL counts in ints.
+const std::size_t MAX_PIECE = std::size_t{1} << 30;
+
+bool takesNoIv(const CipherSpec& spec) {
+    return spec.mode == CipherMode::ECB() || spec.mode == CipherMode::NONE();
+}
+
+struct IvBlock {
+    explicit IvBlock(const bytes& iv) {
+        std::copy_n(iv.data(), std::min<std::size_t>(iv.size(), sizeof octets), octets);
+    }
+    unsigned char octets[EVP_MAX_IV_LENGTH] = {};
+};
+
+struct KeyBlock {
+    explicit KeyBlock(const bytes& key) {
+        std::copy_n(key.data(), std::min<std::size_t>(key.size(), sizeof octets), octets);
+    }
+    ~KeyBlock() { OPENSSL_cleanse(octets, sizeof octets); }
+    KeyBlock(const KeyBlock&) = delete;
+    KeyBlock& operator=(const KeyBlock&) = delete;
+    unsigned char octets[EVP_MAX_KEY_LENGTH] = {};
+};
+
+const unsigned char ZERO_IV[EVP_MAX_IV_LENGTH] = {};
+
+}  // namespace
+
+SoftwareKeyCipher::SoftwareKeyCipher(std::shared_ptr<const CipherSpec> spec, const unsigned char* theKey,
+                                     unsigned int keyLen)
+    : Cipher(std::move(spec)), key(theKey, theKey + keyLen) {
+    initObj();
+}
+
+SoftwareKeyCipher::SoftwareKeyCipher(std::shared_ptr<const CipherSpec> spec, const bytes& theKey)
+    : Cipher(std::move(spec)), key(theKey) {
+    initObj();
+}
+
+SoftwareKeyCipher::~SoftwareKeyCipher() {
+    OPENSSL_cleanse(key.data(), key.size());
+}
+
+void SoftwareKeyCipher::encryptInit(const bytes& iv) {
+    if (takesNoIv(*spec_)) {
+        encryptInit(nullptr);
+        return;
+    }
+    if (iv.empty()) {
+        throw VORLException(modeText(*spec_->mode) + " cannot be initialized without initialization vector");
+    }
+    if (iv.size() != spec_->ivSize) {
+        throw VORLException("input IV size (" + std::to_string(iv.size()) + ") != CipherSpec IV size (" +
+                            std::to_string(spec_->ivSize) + ")");
+    }
+    encryptInit(IvBlock(iv).octets);
+}
+
+void SoftwareKeyCipher::decryptInit(const bytes& iv) {
+    decryptInit(takesNoIv(*spec_) ? nullptr : IvBlock(iv).octets);
+}
+
+bytes SoftwareKeyCipher::update(const bytes& data) {
+    bytes out(data.size() + EVP_MAX_BLOCK_LENGTH);
+    out.resize(update(data.data(), data.size(), out.data()));
+    return out;
+}
+
+bytes SoftwareKeyCipher::final() {
+    bytes out(EVP_MAX_BLOCK_LENGTH);
+    out.resize(final(out.data()));
+    return out;
+}
+
+void SoftwareKeyCipher::encryptInit(std::initializer_list<unsigned char> iv) {
+    encryptInit(bytes(iv));
+}
+
+void SoftwareKeyCipher::decryptInit(std::initializer_list<unsigned char> iv) {
+    decryptInit(bytes(iv));
+}
+
+void SoftwareKeyCipher::encryptInit(unsigned char* iv) {
+    decrypting = 0;
+    started = false;
+    if (key.size() != spec_->keySize) {
+        throw VORLException("SoftwareKeyCipher key size (" + std::to_string(key.size()) +
+                            ") != CipherSpec key size (" + std::to_string(spec_->keySize) + ")");
+    }
+    start(iv);
+}
+
+void SoftwareKeyCipher::decryptInit(unsigned char* iv) {
+    decrypting = 1;
+    start(iv);
+}
+
+std::size_t SoftwareKeyCipher::update(const unsigned char* data, std::size_t size, unsigned char* out) {
+    std::size_t produced = 0;
+    if (size < spec_->blockSize) {
+        // Short feeds legitimately produce nothing, so a failure without output is passed over.
+        const ErrorQueueMark mark;
+        if (!feed(data, size, out, produced) && produced > 0) {
+            OpenSSLException::throw_message("failed EVP update operation", "SoftwareKeyCipher", __LINE__,
+                                            __func__);
+        }
+        return produced;
+    }
+    if (!feed(data, size, out, produced)) {
+        OpenSSLException::throw_message(produced > 0 ? "failed EVP update operation"
+                                                     : "failed EVP update, no output with input >= blocksize",
+                                        "SoftwareKeyCipher", __LINE__, __func__);
+    }
+    return produced;
+}
+
+std::size_t SoftwareKeyCipher::final(unsigned char* out) {
+    const auto finish = decrypting != 0 ? EVP_DecryptFinal : EVP_EncryptFinal;
+    int written = 0;
+    if (!started || finish(ctx[decrypting].get(), out, &written) == 0) {
+        OpenSSLException::throw_message("failed EVP final operation", "SoftwareKeyCipher", __LINE__,
+                                        __func__);
+    }
+    return static_cast<std::size_t>(written);
+}
+
+void SoftwareKeyCipher::FreeContext::operator()(EVP_CIPHER_CTX* context) const {
+    EVP_CIPHER_CTX_free(context);
+}
+
+void SoftwareKeyCipher::initObj() {
+    for (auto& context : ctx) {
+        context.reset(EVP_CIPHER_CTX_new());
+    }
+}
+
+// The result of an init is not reported, but it is remembered: OpenSSL does not survive being fed through a
+// context that it has only half made.
+void SoftwareKeyCipher::start(const unsigned char* iv) {
+    const EVP_CIPHER* cipher = spec_->evpCipher;
+    if (cipher == nullptr || EVP_CIPHER_iv_length(cipher) == 0) {
+        iv = nullptr;
+    } else if (iv == nullptr) {
+        // To a context in use, a null IV would mean the last one.
+        iv = ZERO_IV;
+    }
+
+    const auto init = decrypting != 0 ? EVP_DecryptInit_ex : EVP_EncryptInit_ex;
+    started =
+        keyed[decrypting] ? init(ctx[decrypting].get(), nullptr, nullptr, nullptr, iv) != 0 : setKey(iv);
+}
+
+bool SoftwareKeyCipher::setKey(const unsigned char* iv) {
+    const auto init = decrypting != 0 ? EVP_DecryptInit_ex : EVP_EncryptInit_ex;
+    auto& context = ctx[decrypting];
+    const ErrorQueueMark mark;
+    const KeyBlock block(key);
+    keyed[decrypting] = context != nullptr && spec_->evpCipher != nullptr &&
+                        init(context.get(), spec_->evpCipher, nullptr, block.octets, iv) != 0;
+    if (!keyed[decrypting]) {
+        context.reset(EVP_CIPHER_CTX_new());
+    }
+    return keyed[decrypting];
+}
+
+bool SoftwareKeyCipher::feed(const unsigned char* data, std::size_t size, unsigned char* out,
+                             std::size_t& produced) {
+    const auto step = decrypting != 0 ? EVP_DecryptUpdate : EVP_EncryptUpdate;
+    bool succeeded = started;
+    for (std::size_t done = 0; succeeded && done < size;) {
+        const std::size_t piece = std::min(size - done, MAX_PIECE);
+        int written = 0;
+        succeeded =
+            step(ctx[decrypting].get(), out + produced, &written, data + done, static_cast<int>(piece)) != 0;
+        produced += static_cast<std::size_t>(written);
+        done += piece;
+    }
+    return succeeded;
+}
+
+}  // namespace vorl

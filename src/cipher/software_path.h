@@ -1,0 +1,33 @@
+#ifndef VORL_CIPHER_SOFTWARE_PATH_H
+#define VORL_CIPHER_SOFTWARE_PATH_H
+
+#include "core/octet_runs.h"
+#include "vorl/bytes.h"
+
+#include <tarvik/crypto/ICipherContext.h>
+
+#include <vector>
+
+namespace vorl {
+
+class CipherSpec;
+class SoftwareKeyCipher;
+
+// The short cut for the library's own cipher: OpenSSL works straight from and into the envelope's storage,
+// which saves the vectors of the cipher-context interface. Nothing else about a message changes.
+
+/// `ctx` as a SoftwareKeyCipher, where it is exactly that (a subclass wants its overrides to be called) and
+/// was made for exactly `spec` (so that sizes are known beforehand); else null.
+SoftwareKeyCipher* softwareCipher(tarvik::crypto::ICipherContext& ctx, const CipherSpec& spec);
+
+/// The whole envelope of `data`; `cipher` is ready to encrypt.
+bytes encryptIntoEnvelope(unsigned char version, const bytes& iv, const bytes& data,
+                          SoftwareKeyCipher& cipher);
+
+/// Decrypts the runs within `store`, which becomes the message; `cipher` is ready to decrypt.
+/// Where that fails, what was decrypted is wiped.
+bytes decryptInPlace(bytes store, const std::vector<OctetRun>& runs, SoftwareKeyCipher& cipher);
+
+}  // namespace vorl
+
+#endif

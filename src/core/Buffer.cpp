@@ -1,0 +1,146 @@
+#include "vorl/Buffer.h"
+
+#include "index32.h"
+#include "vorl/ASN1Exception.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <stdexcept>
+#include <utility>
+
+namespace vorl {
+
+namespace {
+
+const std::uint64_t SMALLEST_GROWN_SIZE = 1024;
+const char TOO_LONG[] = "Buffer: an index would pass 2^32-1";
+
+}  // namespace
+
+Buffer::Buffer(unsigned int size) : data_(size) {}
+
+Buffer::Buffer(const unsigned char* p, unsigned int n) : widx_(n), data_(p, p + n) {}
+
+Buffer::Buffer(const bytes& v) : widx_(index32(v.size(), TOO_LONG)), data_(v) {}
+
+Buffer::Buffer(bytes&& v) : widx_(index32(v.size(), TOO_LONG)), data_(std::move(v)) {}
+
+Buffer::Buffer(Buffer&& other) noexcept
+    : ridx_(std::exchange(other.ridx_, 0)),
+      widx_(std::exchange(other.widx_, 0)),
+      midx_(std::exchange(other.midx_, 0)),
+      data_(std::exchange(other.data_, bytes())) {}
+
+Buffer& Buffer::operator=(Buffer&& other) noexcept {
+    ridx_ = std::exchange(other.ridx_, 0);
+    widx_ = std::exchange(other.widx_, 0);
+    midx_ = std::exchange(other.midx_, 0);
+    data_ = std::exchange(other.data_, bytes());
+    return *this;
+}
+
+void Buffer::put(const unsigned char* p, unsigned int offset, unsigned int n) {
+    append(p + offset, n);
+}
+
+void Buffer::put(const unsigned char* p, unsigned int n) {
+    append(p, n);
+}
+
+void Buffer::put(const bytes& v) {
+    append(v.data(), v.size());
+}
+
+void Buffer::put(unsigned char b) {
+    append(&b, 1);
+}
+
+void Buffer::put(const ASN1Primitive& obj) {
+    obj.encode(*this);
+}
+
+unsigned char Buffer::get() {
+    if (ridx_ >= widx_) {
+        throw ASN1Exception("index out of bounds: read index(" + std::to_string(ridx_) + ") >= write index(" +
+                            std::to_string(widx_) + ")");
+    }
+    return data_[ridx_++];
+}
+
+unsigned int Buffer::get(unsigned char* dst, unsigned int n) {
+    const unsigned int count = std::min(n, widx_ - ridx_);
+    std::copy_n(data_.data() + ridx_, count, dst);
+    ridx_ += count;
+    return count;
+}
+
+unsigned int Buffer::skip(unsigned int n) {
+    const unsigned int count = std::min(n, widx_ - ridx_);
+    ridx_ += count;
+    return count;
+}
+
+UInt8 Buffer::nextUInt8() {
+    UInt8 field(0);
+    field.decode(*this);
+    return field;
+}
+
+UInt16 Buffer::nextUInt16() {
+    UInt16 field(0);
+    field.decode(*this);
+    return field;
+}
+
+UInt32 Buffer::nextUInt32() {
+    UInt32 field(0);
+    field.decode(*this);
+    return field;
+}
+
+OctetString Buffer::nextOctetString() {
+    OctetString field;
+    field.decode(*this);
+    return field;
+}
+
+bytes Buffer::toByteArray() const& {
+    return bytes(data_.data(), data_.data() + widx_);
+}
+
+bytes Buffer::toByteArray() && {
+    data_.resize(widx_);
+    ridx_ = 0;
+    widx_ = 0;
+    return std::exchange(data_, bytes());
+}
+
+bytes Buffer::toByteArrayRemain() const {
+    return bytes(data_.data() + ridx_, data_.data() + widx_);
+}
+
+std::string Buffer::toString() const {
+    return "Buffer[ridx_=" + std::to_string(ridx_) + ",widx_=" + std::to_string(widx_) +
+           ",midx_=" + std::to_string(midx_) + ",len=" + std::to_string(data_.size()) + "]";
+}
+
+void Buffer::resize(unsigned int extra) {
+    const std::uint64_t size = data_.size();
+    const std::uint64_t grown = std::max({size + extra, 2 * size, SMALLEST_GROWN_SIZE});
+    if (grown > data_.max_size()) {
+        throw std::length_error("Buffer: the store would be larger than memory");
+    }
+    data_.resize(static_cast<std::size_t>(grown));
+}
+
+void Buffer::append(const unsigned char* p, std::uint64_t n) {
+    const unsigned int end = index32(widx_ + n, TOO_LONG);
+    const std::uint64_t room = data_.size() - widx_;
+    if (n > room) {
+        resize(static_cast<unsigned int>(n - room));
+    }
+    std::copy_n(p, static_cast<std::size_t>(n), data_.data() + widx_);
+    widx_ = end;
+}
+
+}  // namespace vorl

@@ -1,0 +1,56 @@
+#include "vorl/OctetString.h"
+
+#include "index32.h"
+#include "vorl/Util.h"
+
+#include <openssl/crypto.h>
+
+namespace vorl {
+
+namespace {
+
+const char TOO_LONG[] = "OctetString: more than 2^32-1 octets";
+
+}  // namespace
+
+OctetString::OctetString(const bytes& v) {
+    setVal(v);
+}
+
+OctetString::OctetString(bytes&& v) {
+    index32(v.size(), TOO_LONG);
+    val_ = std::move(v);
+}
+
+std::string OctetString::toFormatString(const std::string& name, unsigned int width, unsigned int level,
+                                        const std::string& separator, unsigned int indentSize) const {
+    return Util::toFormatHexString(val_.data(), byteLength(), name, width, level, separator, indentSize);
+}
+
+unsigned int OctetString::unitSize() const {
+    return 8;
+}
+
+unsigned int OctetString::unitLength() const {
+    return static_cast<unsigned int>(val_.size());
+}
+
+std::string OctetString::getName() const {
+    return "OCTET STRING";
+}
+
+void OctetString::setVal(const bytes& val) {
+    index32(val.size(), TOO_LONG);
+    val_ = val;
+}
+
+bytes OctetString::toByteArray() const {
+    return val_;
+}
+
+bool OctetString::operator==(const OctetString& other) const {
+    return val_.size() == other.val_.size() &&
+           CRYPTO_memcmp(val_.data(), other.val_.data(), val_.size()) == 0;
+}
+
+}  // namespace vorl

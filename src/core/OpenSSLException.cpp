@@ -1,0 +1,46 @@
+#include "vorl/OpenSSLException.h"
+
+#include "vorl/safe_ptr.h"
+
+#include <openssl/bio.h>
+#include <openssl/err.h>
+
+#include <cstddef>
+
+namespace vorl {
+
+namespace {
+
+// The calling thread's error queue as text, one line an error; the queue is empty afterwards.
+std::string openssl_err() {
+    const std::shared_ptr<BIO> bio = safe_ptr(BIO_new(BIO_s_mem()));
+    if (!bio) {
+        return std::string();
+    }
+    ERR_print_errors(bio.get());
+
+    char* text = nullptr;
+    const long length = BIO_get_mem_data(bio.get(), &text);
+    if (length <= 0 || text == nullptr) {
+        return std::string();
+    }
+    return std::string(text, static_cast<std::size_t>(length));
+}
+
+}  // namespace
+
+OpenSSLException::OpenSSLException(const std::string& msg) : std::runtime_error(msg) {}
+
+OpenSSLException::OpenSSLException(const std::string& msg, const std::string& errorStack)
+    : std::runtime_error(msg), errorStack_(errorStack) {}
+
+OpenSSLException::~OpenSSLException() = default;
+
+void OpenSSLException::throw_message(const char* context, const char* /*file*/, int /*line*/,
+                                     const char* /*function*/) {
+    // First of all, before anything else can disturb the queue.
+    const std::string errorStack = openssl_err();
+    throw OpenSSLException(std::string(context), errorStack);
+}
+
+}  // namespace vorl

@@ -1,0 +1,89 @@
+#include "vtable_slot.h"
+
+#include "vorl/ASN1BlockEncodable.h"
+#include "vorl/ASN1Primitive.h"
+#include "vorl/FormatPrintable.h"
+#include "vorl/OctetString.h"
+#include "vorl/UInt16.h"
+#include "vorl/UInt32.h"
+#include "vorl/UInt8.h"
+
+#include <gtest/gtest.h>
+
+#include <type_traits>
+
+// Devices are built against the order of the virtual operations: a call goes through its slot's number, so
+// that one that moves makes an old device call another one.
+//
+//   FormatPrintable      0 toFormatString   1 toString   2, 3 destructor
+//   ASN1Primitive        4 encode           5 decode
+//   ASN1BlockEncodable   6 unitSize         7 unitLength   8 byteLength   9 getName   10 setVal
+//                        11 toByteArray
+
+namespace vorl::test {
+namespace {
+
+class Plain {
+public:
+    void first() {}
+    virtual void second() {}
+    virtual ~Plain() = default;
+    virtual void fifth() const {}
+};
+
+TEST(VtableSlot, CountsVirtualFunctionsAndTwoForADestructor) {
+    EXPECT_EQ(vtableSlot(&Plain::first), -1);
+    EXPECT_EQ(vtableSlot(&Plain::second), 0);
+    EXPECT_EQ(vtableSlot(&Plain::fifth), 3);
+}
+
+static_assert(std::has_virtual_destructor_v<FormatPrintable>);
+
+TEST(SlotOrder, FormatPrintableHasItsTextsBeforeTheDestructor) {
+    EXPECT_EQ(vtableSlot(&FormatPrintable::toFormatString), 0);
+    EXPECT_EQ(vtableSlot(&FormatPrintable::toString), 1);
+}
+
+TEST(SlotOrder, ASN1PrimitiveAddsItsCodingAfterTheDestructor) {
+    EXPECT_EQ(vtableSlot(&ASN1Primitive::toFormatString), 0);
+    EXPECT_EQ(vtableSlot(&ASN1Primitive::toString), 1);
+    EXPECT_EQ(vtableSlot(&ASN1Primitive::encode), 4);
+    EXPECT_EQ(vtableSlot(&ASN1Primitive::decode), 5);
+}
+
+template <typename Class>
+class SlotOrderOfFields : public ::testing::Test {};
+
+using FieldClasses = ::testing::Types<UInt8, UInt16, UInt32, ASN1BlockEncodable, OctetString>;
+TYPED_TEST_SUITE(SlotOrderOfFields, FieldClasses);
+
+TYPED_TEST(SlotOrderOfFields, IsThatOfTheBase) {
+    EXPECT_EQ(vtableSlot(&TypeParam::toFormatString), 0);
+    EXPECT_EQ(vtableSlot(&TypeParam::toString), 1);
+    EXPECT_EQ(vtableSlot(&TypeParam::encode), 4);
+    EXPECT_EQ(vtableSlot(&TypeParam::decode), 5);
+}
+
+template <typename Class>
+class SlotOrderOfBlocks : public ::testing::Test {};
+
+using BlockClasses = ::testing::Types<ASN1BlockEncodable, OctetString>;
+TYPED_TEST_SUITE(SlotOrderOfBlocks, BlockClasses);
+
+TYPED_TEST(SlotOrderOfBlocks, GoesOnWithSizesNameAndContent) {
+    EXPECT_EQ(vtableSlot(&TypeParam::unitSize), 6);
+    EXPECT_EQ(vtableSlot(&TypeParam::unitLength), 7);
+    EXPECT_EQ(vtableSlot(&TypeParam::byteLength), 8);
+    EXPECT_EQ(vtableSlot(&TypeParam::getName), 9);
+    EXPECT_EQ(vtableSlot(&TypeParam::setVal), 10);
+    EXPECT_EQ(vtableSlot(&TypeParam::toByteArray), 11);
+}
+
+// Of what its base implements, an octet string overrides the printing only.
+static_assert(std::is_same_v<decltype(&OctetString::toString), decltype(&ASN1BlockEncodable::toString)>);
+static_assert(std::is_same_v<decltype(&OctetString::encode), decltype(&ASN1BlockEncodable::encode)>);
+static_assert(std::is_same_v<decltype(&OctetString::decode), decltype(&ASN1BlockEncodable::decode)>);
+static_assert(std::is_same_v<decltype(&OctetString::byteLength), decltype(&ASN1BlockEncodable::byteLength)>);
+
+}  // namespace
+}  // namespace vorl::test

@@ -13,6 +13,8 @@
 
 namespace vorl {
 
+class OctetRuns;
+
 /// The growable byte array that every record is written into and read from.
 ///
 /// One store and two positions: writes append at widx(), reads consume from ridx() and never pass widx().
@@ -52,11 +54,20 @@ public:
     void put(const ASN1Primitive& obj);
 
     /// The next byte. Throws ASN1Exception where none is left.
-    unsigned char get();
+    unsigned char get() {
+        if (ridx_ >= widx_) {
+            refuseRead();
+        }
+        return data_[ridx_++];
+    }
     /// Copies up to `n` of the unread bytes to `dst` and returns how many there were.
     unsigned int get(unsigned char* dst, unsigned int n);
     /// Passes over up to `n` of the unread bytes and returns how many there were.
-    unsigned int skip(unsigned int n);
+    unsigned int skip(unsigned int n) {
+        const unsigned int count = n < widx_ - ridx_ ? n : widx_ - ridx_;
+        ridx_ += count;
+        return count;
+    }
 
     /// The next field, with the exceptions of its decode().
     UInt8 nextUInt8();
@@ -78,6 +89,9 @@ public:
     void resize(unsigned int extra);
 
 private:
+    friend class OctetRuns;
+
+    [[noreturn]] void refuseRead() const;
     void append(const unsigned char* p, std::uint64_t n);
 
     unsigned int ridx_ = 0;

@@ -72,16 +72,21 @@ public:
 
 protected:
     explicit CipherWrapper(const std::string& name);
+    /// For a wrapper whose getCipherSpec() is always `spec`.
+    CipherWrapper(const std::string& name, std::shared_ptr<const CipherSpec> spec);
 
     /// Opens the rest of an envelope, behind its version byte. Uses up `in`.
     virtual bytes doDecrypt(Buffer& in, tarvik::crypto::ICipherContext& ctx) const;
 
 private:
+    class SpecInUse;
+
     static const std::shared_ptr<const CipherWrapper>& registered(unsigned char id);
 
     static bool init_;
 
     const std::string name_;
+    const std::shared_ptr<const CipherSpec> spec_;
 };
 
 }  // namespace vorl

@@ -65,6 +65,9 @@ private:
     bool setKey(const unsigned char* iv);
     bool feed(const unsigned char* data, std::size_t size, unsigned char* out, std::size_t& produced);
 
+    // What the spec's mode says and what OpenSSL's cipher says need not agree in a spec of the caller's own.
+    const bool ignoresIv;
+    const bool feedsIv;
     int decrypting = 0;
     // One for each direction, indexed by `decrypting`. Naming a cipher and its key again for each message
     // costs OpenSSL eight times as much as restarting with an IV, and takes locks that all threads share.

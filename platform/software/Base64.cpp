@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <stdexcept>
 
 namespace Tarvik::BrisClient {
@@ -28,8 +29,7 @@ std::size_t paddingOf(const Octets& text) {
 
 // OpenSSL's codec takes '=' for a zero anywhere in the text, so that its place has to be judged here.
 bool hasMisplacedPadding(const Octets& text, std::size_t padding) {
-    const auto end = text.end() - static_cast<std::ptrdiff_t>(padding);
-    return std::find(text.begin(), end, static_cast<unsigned char>('=')) != end;
+    return std::memchr(text.data(), '=', text.size() - padding) != nullptr;
 }
 
 // Appends the octets of whole groups of characters. False where OpenSSL refuses one, and where it has passed

@@ -16,6 +16,7 @@
 
 #include <tarvik/crypto/ICipherContext.h>
 
+#include <cstdint>
 #include <map>
 #include <utility>
 
@@ -38,28 +39,42 @@ void checkSpec(ICipherContext& ctx, const CipherSpec& spec) {
     }
 }
 
-bytes readIv(Buffer& in, const CipherSpec& spec) {
+OctetRuns readIv(Buffer& in, const CipherSpec& spec) {
     if (spec.ivSize == 0) {
-        return bytes();
+        return OctetRuns();
     }
-    bytes iv = in.nextOctetString().takeBytes();
-    if (iv.size() != spec.ivSize) {
+    OctetRuns iv(in);
+    if (iv.octets() != spec.ivSize) {
         // Without a closing parenthesis; logs are searched for it as it is.
-        throw VORLException("Parsed IV length(" + std::to_string(iv.size()) + ") != CipherSpec iv size(" +
+        throw VORLException("Parsed IV length(" + std::to_string(iv.octets()) + ") != CipherSpec iv size(" +
                             std::to_string(spec.ivSize));
     }
     return iv;
 }
 
-// All of `data` through a started context: one update, one final.
-bytes passThrough(ICipherContext& ctx, const bytes& data) {
-    bytes out = ctx.update(data);
-    const bytes rest = ctx.final();
-    out.insert(out.end(), rest.begin(), rest.end());
-    return out;
+bytes copyOf(const OctetRuns& octets, const Buffer& in) {
+    bytes copy(octets.octets());
+    octets.copyFrom(in, copy.data());
+    return copy;
 }
 
 }  // namespace
+
+// The spec of a wrapper for the length of a call. Sharing it would cost a message little, but the shares are
+// counted in one place, for which threads would wait in turn; so a wrapper that has fixed its spec lends it.
+class CipherWrapper::SpecInUse {
+public:
+    explicit SpecInUse(const CipherWrapper& wrapper)
+        : shared_(wrapper.spec_ ? nullptr : wrapper.getCipherSpec()),
+          spec_(wrapper.spec_ ? *wrapper.spec_ : *shared_) {}
+
+    const CipherSpec& operator*() const { return spec_; }
+    const CipherSpec* operator->() const { return &spec_; }
+
+private:
+    const std::shared_ptr<const CipherSpec> shared_;
+    const CipherSpec& spec_;
+};
 
 bool CipherWrapper::init_ = false;
 
@@ -107,27 +122,32 @@ bytes CipherWrapper::decrypt(const bytes& envelope, ICipherContext& ctx) {
 bytes CipherWrapper::decrypt(bytes&& envelope, ICipherContext& ctx) {
     checkInit();
     Buffer in(std::move(envelope));
-    const std::shared_ptr<const CipherWrapper>& wrapper = registered(in.nextUInt8().val());
+    const std::shared_ptr<const CipherWrapper>& wrapper = registered(in.get());
     if (!VORLLib::isAllowedCipherWrapper(wrapper)) {
         // The wrapper's text begins with the same word.
         throw VORLException("CipherWrapper " + wrapper->toString() + " not allowed");
     }
-    checkSpec(ctx, *wrapper->getCipherSpec());
+    checkSpec(ctx, *SpecInUse(*wrapper));
     return wrapper->doDecrypt(in, ctx);
 }
 
 bytes CipherWrapper::encrypt(const bytes& data, ICipherContext& ctx) const {
     checkInit();
-    const std::shared_ptr<const CipherSpec> spec = getCipherSpec();
+    const SpecInUse spec(*this);
     checkSpec(ctx, *spec);
     const bytes iv = spec->ivSize != 0 ? Random::next(spec->ivSize) : bytes();
     ctx.encryptInit(iv);
     if (SoftwareKeyCipher* const cipher = softwareCipher(ctx, *spec)) {
         return encryptIntoEnvelope(id(), iv, data, *cipher);
     }
-    const bytes body = passThrough(ctx, data);
-    bytes envelope = beginEnvelope(id(), iv, body.size());
-    appendBody(envelope, body);
+    // Room for the envelope is taken before the cipher takes its own, which is then free again when the
+    // envelope goes on to be encoded: large messages make the heap grow less.
+    bytes envelope = beginEnvelope(id(), iv, std::uint64_t{data.size()} + spec->blockSize);
+    const bytes updated = ctx.update(data);
+    const bytes finished = ctx.final();
+    BodyWriter body(envelope, std::uint64_t{updated.size()} + finished.size());
+    body.append(updated);
+    body.append(finished);
     return envelope;
 }
 
@@ -145,19 +165,26 @@ bool CipherWrapper::operator!=(const CipherWrapper& other) const {
 
 CipherWrapper::~CipherWrapper() = default;
 
-CipherWrapper::CipherWrapper(const std::string& name) : name_(name) {}
+CipherWrapper::CipherWrapper(const std::string& name) : CipherWrapper(name, nullptr) {}
+
+CipherWrapper::CipherWrapper(const std::string& name, std::shared_ptr<const CipherSpec> spec)
+    : name_(name), spec_(std::move(spec)) {}
 
 bytes CipherWrapper::doDecrypt(Buffer& in, ICipherContext& ctx) const {
-    const std::shared_ptr<const CipherSpec> spec = getCipherSpec();
-    ctx.decryptInit(readIv(in, *spec));
-    const std::vector<OctetRun> body = readOctetRuns(in);
+    const SpecInUse spec(*this);
+    if (SoftwareKeyCipher* const cipher = softwareCipher(ctx, *spec)) {
+        return decryptInPlace(in, readIv(in, *spec), *cipher);
+    }
+    ctx.decryptInit(copyOf(readIv(in, *spec), in));
+    const OctetRuns body(in);
     // Before anything is decrypted.
     refuseUnreadBytes(in, "decrypted data");
-    bytes store = std::move(in).toByteArray();
-    if (SoftwareKeyCipher* const cipher = softwareCipher(ctx, *spec)) {
-        return decryptInPlace(std::move(store), body, *cipher);
-    }
-    return passThrough(ctx, joinOctetRuns(std::move(store), body));
+    const bytes ciphertext = body.joinIn(std::move(in).toByteArray());
+    bytes message = ctx.update(ciphertext);
+    const bytes finished = ctx.final();
+    message.reserve(message.size() + finished.size());
+    message.insert(message.end(), finished.begin(), finished.end());
+    return message;
 }
 
 const std::shared_ptr<const CipherWrapper>& CipherWrapper::registered(unsigned char id) {

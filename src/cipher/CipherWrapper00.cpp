@@ -10,13 +10,13 @@
 
 namespace vorl {
 
-CipherWrapper00::CipherWrapper00(const std::string& name) : CipherWrapper(name) {}
+CipherWrapper00::CipherWrapper00(const std::string& name) : CipherWrapper(name, CipherSpec::NULL_CIPHER()) {}
 
 CipherWrapper00::~CipherWrapper00() = default;
 
 bytes CipherWrapper00::encrypt(const bytes& data, tarvik::crypto::ICipherContext& /*ctx*/) const {
     bytes envelope = beginEnvelope(id(), bytes(), data.size());
-    appendBody(envelope, data);
+    BodyWriter(envelope, data.size()).append(data);
     return envelope;
 }
 
@@ -29,9 +29,9 @@ std::shared_ptr<const CipherSpec> CipherWrapper00::getCipherSpec() const {
 }
 
 bytes CipherWrapper00::doDecrypt(Buffer& in, tarvik::crypto::ICipherContext& /*ctx*/) const {
-    const std::vector<OctetRun> body = readOctetRuns(in);
+    const OctetRuns body(in);
     refuseUnreadBytes(in, "NULL_CIPHER decrypted data");
-    return joinOctetRuns(std::move(in).toByteArray(), body);
+    return body.joinIn(std::move(in).toByteArray());
 }
 
 }  // namespace vorl

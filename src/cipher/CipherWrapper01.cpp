@@ -4,7 +4,8 @@
 
 namespace vorl {
 
-CipherWrapper01::CipherWrapper01(const std::string& name) : CipherWrapper(name) {}
+CipherWrapper01::CipherWrapper01(const std::string& name)
+    : CipherWrapper(name, CipherSpec::AES_128_ECB_PKCS5()) {}
 
 CipherWrapper01::~CipherWrapper01() = default;
 

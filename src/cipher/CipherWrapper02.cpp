@@ -4,7 +4,8 @@
 
 namespace vorl {
 
-CipherWrapper02::CipherWrapper02(const std::string& name) : CipherWrapper(name) {}
+CipherWrapper02::CipherWrapper02(const std::string& name)
+    : CipherWrapper(name, CipherSpec::AES_128_CBC_PKCS5()) {}
 
 CipherWrapper02::~CipherWrapper02() = default;
 

@@ -22,8 +22,12 @@ namespace {
 // OpenSSL counts in ints.
 const std::size_t MAX_PIECE = std::size_t{1} << 30;
 
-bool takesNoIv(const CipherSpec& spec) {
+bool modeTakesNoIv(const CipherSpec& spec) {
     return spec.mode == CipherMode::ECB() || spec.mode == CipherMode::NONE();
+}
+
+bool cipherTakesIv(const CipherSpec& spec) {
+    return spec.evpCipher != nullptr && EVP_CIPHER_iv_length(spec.evpCipher) != 0;
 }
 
 struct IvBlock {
@@ -49,12 +53,15 @@ const unsigned char ZERO_IV[EVP_MAX_IV_LENGTH] = {};
 
 SoftwareKeyCipher::SoftwareKeyCipher(std::shared_ptr<const CipherSpec> spec, const unsigned char* theKey,
                                      unsigned int keyLen)
-    : Cipher(std::move(spec)), key(theKey, theKey + keyLen) {
+    : Cipher(std::move(spec)),
+      ignoresIv(modeTakesNoIv(*spec_)),
+      feedsIv(cipherTakesIv(*spec_)),
+      key(theKey, theKey + keyLen) {
     initObj();
 }
 
 SoftwareKeyCipher::SoftwareKeyCipher(std::shared_ptr<const CipherSpec> spec, const bytes& theKey)
-    : Cipher(std::move(spec)), key(theKey) {
+    : Cipher(std::move(spec)), ignoresIv(modeTakesNoIv(*spec_)), feedsIv(cipherTakesIv(*spec_)), key(theKey) {
     initObj();
 }
 
@@ -63,7 +70,7 @@ SoftwareKeyCipher::~SoftwareKeyCipher() {
 }
 
 void SoftwareKeyCipher::encryptInit(const bytes& iv) {
-    if (takesNoIv(*spec_)) {
+    if (ignoresIv) {
         encryptInit(nullptr);
         return;
     }
@@ -78,7 +85,7 @@ void SoftwareKeyCipher::encryptInit(const bytes& iv) {
 }
 
 void SoftwareKeyCipher::decryptInit(const bytes& iv) {
-    decryptInit(takesNoIv(*spec_) ? nullptr : IvBlock(iv).octets);
+    decryptInit(ignoresIv ? nullptr : IvBlock(iv).octets);
 }
 
 bytes SoftwareKeyCipher::update(const bytes& data) {
@@ -158,8 +165,7 @@ void SoftwareKeyCipher::initObj() {
 // The result of an init is not reported, but it is remembered: OpenSSL does not survive being fed through a
 // context that it has only half made.
 void SoftwareKeyCipher::start(const unsigned char* iv) {
-    const EVP_CIPHER* cipher = spec_->evpCipher;
-    if (cipher == nullptr || EVP_CIPHER_iv_length(cipher) == 0) {
+    if (!feedsIv) {
         iv = nullptr;
     } else if (iv == nullptr) {
         // To a context in use, a null IV would mean the last one.

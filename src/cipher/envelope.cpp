@@ -3,7 +3,7 @@
 #include "core/index32.h"
 #include "core/length_determinant.h"
 
-#include <cstddef>
+#include <algorithm>
 
 namespace vorl {
 
@@ -11,24 +11,30 @@ bytes beginEnvelope(unsigned char version, const bytes& iv, std::uint64_t bodyOc
     const std::uint64_t size = 1 + encodedBlockSize(iv.size()) + encodedBlockSize(bodyOctets);
     bytes envelope;
     envelope.reserve(index32(size, "CipherWrapper: an envelope would pass 2^32-1 bytes"));
-    envelope.push_back(version);
-    appendBody(envelope, iv);
+    envelope.assign(1, version);
+    BodyWriter(envelope, iv.size()).append(iv);
     return envelope;
 }
 
-Fragment appendDeterminant(bytes& envelope, std::uint64_t rest) {
-    const Fragment fragment = nextFragment(rest);
-    const LengthDeterminant determinant = determinantOf(fragment);
-    envelope.insert(envelope.end(), determinant.octets, determinant.octets + determinant.size);
-    return fragment;
+std::size_t BodyWriter::nextRun(std::size_t most) {
+    if (fragmentRest_ == 0) {
+        const Fragment fragment = nextFragment(rest_);
+        const LengthDeterminant determinant = determinantOf(fragment);
+        envelope_.insert(envelope_.end(), determinant.octets, determinant.octets + determinant.size);
+        fragmentRest_ = fragment.units;
+    }
+    const std::size_t run = std::min(fragmentRest_, most);
+    fragmentRest_ -= run;
+    rest_ -= run;
+    return run;
 }
 
-void appendBody(bytes& envelope, const bytes& body) {
-    for (std::size_t done = 0; done < body.size();) {
-        const unsigned char* from = body.data() + done;
-        const unsigned int octets = appendDeterminant(envelope, body.size() - done).units;
-        envelope.insert(envelope.end(), from, from + octets);
-        done += octets;
+void BodyWriter::append(const bytes& octets) {
+    for (std::size_t done = 0; done < octets.size();) {
+        const std::size_t run = nextRun(octets.size() - done);
+        const auto from = octets.begin() + static_cast<std::ptrdiff_t>(done);
+        envelope_.insert(envelope_.end(), from, from + static_cast<std::ptrdiff_t>(run));
+        done += run;
     }
 }
 

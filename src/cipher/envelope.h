@@ -3,11 +3,10 @@
 
 #include "vorl/bytes.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace vorl {
-
-struct Fragment;
 
 // An envelope, field by field:
 //
@@ -15,15 +14,29 @@ struct Fragment;
 //   IV        OctetString, absent where the cipher takes none
 //   body      OctetString, the ciphertext; in the null envelope the message
 
-/// The envelope up to its body, with room reserved for exactly `bodyOctets` more octets and their
-/// determinants. Throws std::length_error where the whole would pass 2^32 - 1 bytes.
+/// The envelope up to its body, with room reserved for `bodyOctets` more octets and their determinants.
+/// Throws std::length_error where the whole would pass 2^32 - 1 bytes.
 bytes beginEnvelope(unsigned char version, const bytes& iv, std::uint64_t bodyOctets);
 
-/// Appends the determinant with which a body of `rest` more octets goes on.
-Fragment appendDeterminant(bytes& envelope, std::uint64_t rest);
+/// Writes an OctetString of a known length behind an envelope, piece by piece.
+class BodyWriter {
+public:
+    BodyWriter(bytes& envelope, std::uint64_t octets) : envelope_(envelope), rest_(octets) {}
 
-/// Appends a whole body with its determinants.
-void appendBody(bytes& envelope, const bytes& body);
+    /// Octets that are still to be written.
+    std::uint64_t rest() const { return rest_; }
+
+    /// Writes the next determinant where one is due. Returns how many of up to `most` further octets follow
+    /// without another: the caller appends them.
+    std::size_t nextRun(std::size_t most);
+
+    void append(const bytes& octets);
+
+private:
+    bytes& envelope_;
+    std::uint64_t rest_;
+    std::size_t fragmentRest_ = 0;
+};
 
 }  // namespace vorl
 

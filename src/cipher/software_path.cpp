@@ -1,7 +1,8 @@
 #include "software_path.h"
 
-#include "core/length_determinant.h"
 #include "envelope.h"
+#include "unread_bytes.h"
+#include "vorl/Buffer.h"
 #include "vorl/CipherSpec.h"
 #include "vorl/SoftwareKeyCipher.h"
 
@@ -11,6 +12,7 @@
 #include <cstddef>
 #include <cstring>
 #include <typeinfo>
+#include <utility>
 
 namespace vorl {
 
@@ -57,35 +59,38 @@ bytes encryptIntoEnvelope(unsigned char version, const bytes& iv, const bytes& d
     const std::uint64_t bodyOctets = (data.size() / BLOCK + std::uint64_t{1}) * BLOCK;
     bytes envelope = beginEnvelope(version, iv, bodyOctets);
 
+    BodyWriter body(envelope, bodyOctets);
     std::size_t read = 0;
-    std::size_t fragmentRest = 0;
-    for (std::uint64_t rest = bodyOctets; rest > 0;) {
-        if (fragmentRest == 0) {
-            fragmentRest = appendDeterminant(envelope, rest).units;
-        }
-        const std::size_t piece = std::min(fragmentRest, PIECE);
+    while (body.rest() > 0) {
+        const std::size_t piece = body.nextRun(PIECE);
+        const std::size_t plain = std::min(piece, data.size() - read);
         const std::size_t at = envelope.size();
         envelope.resize(at + piece);
-        const std::size_t plain = std::min(piece, data.size() - read);
         const std::size_t written = cipher.update(data.data() + read, plain, envelope.data() + at);
-        if (piece == rest) {
+        if (body.rest() == 0) {
             cipher.final(envelope.data() + at + written);
         }
         read += plain;
-        fragmentRest -= piece;
-        rest -= piece;
     }
     return envelope;
 }
 
-bytes decryptInPlace(bytes store, const std::vector<OctetRun>& runs, SoftwareKeyCipher& cipher) {
+bytes decryptInPlace(Buffer& in, const OctetRuns& iv, SoftwareKeyCipher& cipher) {
+    // All zero, and ignored, where the spec has no IV.
+    unsigned char ivOctets[BLOCK] = {};
+    iv.copyFrom(in, ivOctets);
+    cipher.decryptInit(ivOctets);
+    const OctetRuns body(in);
+    refuseUnreadBytes(in, "decrypted data");
+
+    bytes store = std::move(in).toByteArray();
     WipeUnlessKept wipe(store);
     // The ciphertext is moved together at the front of the store piece by piece, and decrypted where it then
     // lies. The cipher holds the last block back until more comes, so its output stays a block behind and
     // lands on what is already decrypted.
     std::size_t joined = 0;
     std::size_t decrypted = 0;
-    for (const OctetRun& run : runs) {
+    body.forEach([&](const OctetRun& run) {
         for (std::size_t done = 0; done < run.octets;) {
             const std::size_t piece = std::min(run.octets - done, PIECE);
             unsigned char* const at = store.data() + joined;
@@ -94,7 +99,7 @@ bytes decryptInPlace(bytes store, const std::vector<OctetRun>& runs, SoftwareKey
             done += piece;
             joined += piece;
         }
-    }
+    });
     store.resize(decrypted + BLOCK);
     decrypted += cipher.final(store.data() + decrypted);
     store.resize(decrypted);

@@ -6,10 +6,9 @@
 
 #include <tarvik/crypto/ICipherContext.h>
 
-#include <vector>
-
 namespace vorl {
 
+class Buffer;
 class CipherSpec;
 class SoftwareKeyCipher;
 
@@ -24,9 +23,9 @@ SoftwareKeyCipher* softwareCipher(tarvik::crypto::ICipherContext& ctx, const Cip
 bytes encryptIntoEnvelope(unsigned char version, const bytes& iv, const bytes& data,
                           SoftwareKeyCipher& cipher);
 
-/// Decrypts the runs within `store`, which becomes the message; `cipher` is ready to decrypt.
+/// The message of an envelope of which the IV has been read, decrypted within the storage of `in`.
 /// Where that fails, what was decrypted is wiped.
-bytes decryptInPlace(bytes store, const std::vector<OctetRun>& runs, SoftwareKeyCipher& cipher);
+bytes decryptInPlace(Buffer& in, const OctetRuns& iv, SoftwareKeyCipher& cipher);
 
 }  // namespace vorl
 

@@ -1,5 +1,6 @@
 #include "vorl/ASN1BlockEncodable.h"
 
+#include "block_content.h"
 #include "index32.h"
 #include "length_determinant.h"
 #include "vorl/ASN1Exception.h"
@@ -100,22 +101,7 @@ void ASN1BlockEncodable::encode(Buffer& b) const {
 void ASN1BlockEncodable::decode(Buffer& b) {
     const unsigned int unit = unitSize();
     checkUnitSize(unit);
-    bytes content;
-    Fragment fragment{};
-    do {
-        fragment = readFragment(b);
-        const std::uint64_t count = std::uint64_t{8} * fragment.units / unit;
-        const std::uint64_t available = b.widx() - b.ridx();
-        const std::size_t before = content.size();
-        // An announced length is believed only as far as there are bytes for it.
-        content.resize(before + static_cast<std::size_t>(std::min(count, available)));
-        const unsigned int received =
-            b.get(content.data() + before, static_cast<unsigned int>(content.size() - before));
-        if (received < count) {
-            refuseShortContent(count, received);
-        }
-    } while (!fragment.last);
-    setVal(content);
+    setVal(readBlockContent(b, unit));
 }
 
 unsigned int ASN1BlockEncodable::byteLength() const {

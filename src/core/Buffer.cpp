@@ -1,5 +1,6 @@
 #include "vorl/Buffer.h"
 
+#include "block_content.h"
 #include "index32.h"
 #include "vorl/ASN1Exception.h"
 
@@ -59,23 +60,9 @@ void Buffer::put(const ASN1Primitive& obj) {
     obj.encode(*this);
 }
 
-unsigned char Buffer::get() {
-    if (ridx_ >= widx_) {
-        throw ASN1Exception("index out of bounds: read index(" + std::to_string(ridx_) + ") >= write index(" +
-                            std::to_string(widx_) + ")");
-    }
-    return data_[ridx_++];
-}
-
 unsigned int Buffer::get(unsigned char* dst, unsigned int n) {
     const unsigned int count = std::min(n, widx_ - ridx_);
     std::copy_n(data_.data() + ridx_, count, dst);
-    ridx_ += count;
-    return count;
-}
-
-unsigned int Buffer::skip(unsigned int n) {
-    const unsigned int count = std::min(n, widx_ - ridx_);
     ridx_ += count;
     return count;
 }
@@ -99,9 +86,8 @@ UInt32 Buffer::nextUInt32() {
 }
 
 OctetString Buffer::nextOctetString() {
-    OctetString field;
-    field.decode(*this);
-    return field;
+    // As OctetString::decode() does, without a second copy of the octets.
+    return OctetString(readBlockContent(*this, OctetString().unitSize()));
 }
 
 bytes Buffer::toByteArray() const& {
@@ -131,6 +117,11 @@ void Buffer::resize(unsigned int extra) {
         throw std::length_error("Buffer: the store would be larger than memory");
     }
     data_.resize(static_cast<std::size_t>(grown));
+}
+
+void Buffer::refuseRead() const {
+    throw ASN1Exception("index out of bounds: read index(" + std::to_string(ridx_) + ") >= write index(" +
+                        std::to_string(widx_) + ")");
 }
 
 void Buffer::append(const unsigned char* p, std::uint64_t n) {

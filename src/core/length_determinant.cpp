@@ -1,20 +1,11 @@
 #include "length_determinant.h"
 
 #include "vorl/ASN1Exception.h"
-#include "vorl/Buffer.h"
 #include "vorl/Util.h"
 
 #include <algorithm>
 
 namespace vorl {
-
-namespace {
-
-const unsigned int SHORT_FORM_LIMIT = 0x80;   // one byte
-const unsigned int LONG_FORM_LIMIT = 0x4000;  // two bytes; also what a fragment holds a multiple of
-const unsigned int MAX_FRAGMENT_MULTIPLE = 4;
-
-}  // namespace
 
 Fragment nextFragment(std::uint64_t rest) {
     if (rest < LONG_FORM_LIMIT) {
@@ -36,19 +27,8 @@ LengthDeterminant determinantOf(const Fragment& fragment) {
             2};
 }
 
-Fragment readFragment(Buffer& in) {
-    const unsigned char head = in.get();
-    if (head < SHORT_FORM_LIMIT) {
-        return {head, true};
-    }
-    if ((head & 0xc0) == 0x80) {
-        return {(head & 0x3fU) << 8 | in.get(), true};
-    }
-    const unsigned int multiple = head & 0x3fU;
-    if (multiple == 0 || multiple > MAX_FRAGMENT_MULTIPLE) {
-        throw ASN1Exception("Unknown ASN.1 length value: b" + Util::toBinaryString(head));
-    }
-    return {multiple * LONG_FORM_LIMIT, false};
+void refuseDeterminant(unsigned char head) {
+    throw ASN1Exception("Unknown ASN.1 length value: b" + Util::toBinaryString(head));
 }
 
 void refuseShortContent(std::uint64_t announced, std::uint64_t available) {

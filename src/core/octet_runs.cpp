@@ -1,38 +1,51 @@
 #include "octet_runs.h"
 
 #include "length_determinant.h"
-#include "vorl/ASN1Exception.h"
 #include "vorl/Buffer.h"
 
 #include <algorithm>
-#include <cstddef>
 
 namespace vorl {
 
-std::vector<OctetRun> readOctetRuns(Buffer& in) {
-    std::vector<OctetRun> runs;
-    // Room for all fragments at once: every one but the last takes 16384 octets and more.
-    runs.reserve((in.widx() - in.ridx()) / 16384 + 1);
-    Fragment fragment{};
-    do {
-        fragment = readFragment(in);
-        runs.push_back({in.ridx(), fragment.units});
-        const unsigned int available = in.skip(fragment.units);
-        if (available < fragment.units) {
-            refuseShortContent(fragment.units, available);
-        }
-    } while (!fragment.last);
-    return runs;
+namespace {
+
+// What every fragment but the last holds at the least.
+const unsigned int SMALLEST_FULL_FRAGMENT = 16384;
+
+OctetRun passOver(Buffer& in, const Fragment& fragment) {
+    const OctetRun run{in.ridx(), fragment.units};
+    const unsigned int available = in.skip(fragment.units);
+    if (available < fragment.units) {
+        refuseShortContent(fragment.units, available);
+    }
+    return run;
 }
 
-bytes joinOctetRuns(bytes store, const std::vector<OctetRun>& runs) {
-    std::size_t joined = 0;
-    for (const OctetRun& run : runs) {
-        const auto from = store.begin() + run.offset;
-        std::copy(from, from + run.octets, store.begin() + static_cast<std::ptrdiff_t>(joined));
-        joined += run.octets;
+}  // namespace
+
+OctetRuns::OctetRuns(Buffer& in) {
+    Fragment fragment = readFragment(in);
+    first_ = passOver(in, fragment);
+    octets_ = first_.octets;
+    if (!fragment.last) {
+        further_.reserve((in.widx() - in.ridx()) / SMALLEST_FULL_FRAGMENT + 1);
     }
-    store.resize(joined);
+    while (!fragment.last) {
+        fragment = readFragment(in);
+        further_.push_back(passOver(in, fragment));
+        octets_ += fragment.units;
+    }
+}
+
+void OctetRuns::copyFrom(const Buffer& in, unsigned char* dst) const {
+    forEach([&](const OctetRun& run) { dst = std::copy_n(in.data_.data() + run.offset, run.octets, dst); });
+}
+
+bytes OctetRuns::joinIn(bytes store) const {
+    unsigned char* joined = store.data();
+    forEach(
+        [&](const OctetRun& run) { joined = std::copy_n(store.data() + run.offset, run.octets, joined); });
+    store.resize(octets_);
     return store;
 }
 

@@ -1,0 +1,151 @@
+#include "commands/commands.h"
+#include "inspect/base64_text.h"
+#include "inspect/levels.h"
+#include "inspect/structure.h"
+#include "shared/KeyFile.h"
+#include "shared/ToolError.h"
+#include "shared/input.h"
+#include "shared/message_options.h"
+#include "shared/output.h"
+#include "shared/start_up.h"
+#include "shared/terminal.h"
+#include "vorl/VORLLib.h"
+#include "vorl/VorlContext.h"
+
+#include <brisclient/Base64.h>
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <sstream>
+
+namespace vorl::tool {
+
+using Tarvik::BrisClient::Base64;
+
+namespace {
+
+struct UnprotectOptions {
+    KeyFile key;
+    std::string accept = "full";
+    MessageOptions message;
+};
+
+bool isLevelName(const std::string& name) {
+    const std::vector<std::string> names = levelNames();
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+// The levels of a list such as "full,test".
+std::vector<Level> acceptedLevels(const std::string& list) {
+    std::vector<Level> accepted;
+    std::istringstream names(list + ",");
+    for (std::string name; std::getline(names, name, ',');) {
+        if (!isLevelName(name)) {
+            throw ToolError(ExitStatus::USAGE, "--accept: there is no level '" + name + "'",
+                            "give a list of full, test and none, for example --accept full,test");
+        }
+        accepted.push_back(levelNamed(name));
+    }
+    return accepted;
+}
+
+void setPolicy(const std::vector<Level>& accepted) {
+    for (const Level& level : levels()) {
+        VORLLib::setAllowedEncryptionType(level.type, false);
+    }
+    for (const Level& level : accepted) {
+        VORLLib::setAllowedEncryptionType(level.type, true);
+    }
+}
+
+bytes readEnvelope(const MessageOptions& options) {
+    bytes input = readInput(options.input);
+    if (input.empty()) {
+        throw ToolError(ExitStatus::BAD_INPUT, inputName(options.input) + " is empty");
+    }
+    if (options.isRaw) {
+        return input;
+    }
+    DecodedText text = decodeBase64Text(input);
+    if (text.problem) {
+        const bool isRaw = levelOfVersion(input.front()) != nullptr;
+        throw ToolError(ExitStatus::BAD_INPUT,
+                        inputName(options.input) + " is not Base64 text: at character " +
+                            std::to_string(text.problem->offset) + ": " + text.problem->text,
+                        isRaw ? "it begins like an envelope itself: --raw reads one" : "");
+    }
+    return std::move(text.data);
+}
+
+void checkAccepted(const Level& level, const std::string& accept) {
+    if (!VORLLib::isAllowedEncryptionType(level.type)) {
+        throw ToolError(ExitStatus::REFUSED,
+                        "the message is protected at the level " + level.name + ", which is not accepted",
+                        "if that is what the sender was meant to use: --accept " + accept + "," + level.name);
+    }
+}
+
+// The library reads the structure without a key, so that a malformed input is told from one that the key
+// does not open.
+void checkStructure(const bytes& envelope, const MessageOptions& options) {
+    if (const std::optional<std::string> fault = structureFault(envelope)) {
+        const bool isBase64 = options.isRaw && !decodeBase64Text(envelope).problem;
+        throw ToolError(ExitStatus::BAD_INPUT,
+                        inputName(options.input) + " is not a whole envelope: " + *fault,
+                        isBase64 ? "it is Base64 text, which is read without --raw"
+                                 : "'vorl inspect' shows where it goes wrong");
+    }
+}
+
+bytes openEnvelope(const bytes& envelope, const Level& level, const SecretBytes& key) {
+    VORLLib::type_ = level.type;
+    VorlContext context(key.get());
+    const bytes text = Base64::encode(envelope);
+    try {
+        return context.decrypt(text);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception&) {
+        // How a decryption fails would help to find the message without the key, so it is not told.
+        throw ToolError(ExitStatus::CANNOT_OPEN, "the message cannot be opened: wrong key or damaged data");
+    }
+}
+
+ExitStatus unprotect(const UnprotectOptions& options) {
+    startLibrary();
+    const std::vector<Level> accepted = acceptedLevels(options.accept);
+    const SecretBytes key = loadMessageKey(options.key, accepted, options.message.input);
+    setPolicy(accepted);
+    const bytes envelope = readEnvelope(options.message);
+    const Level* const level = levelOfVersion(envelope.front());
+    if (level != nullptr) {
+        checkAccepted(*level, options.accept);
+    }
+    checkStructure(envelope, options.message);
+
+    // An unknown version has not passed the check of the structure.
+    const bytes message = openEnvelope(envelope, *level, key);
+    if (!isPlainText(message)) {
+        refuseBinaryOnTerminal(options.message.output);
+    }
+    writeOutput(options.message.output, message, Readers::OWNER);
+    return ExitStatus::SUCCESS;
+}
+
+}  // namespace
+
+Run declareUnprotect(CLI::App& command) {
+    const auto options = std::make_shared<UnprotectOptions>();
+    options->key.declare(command);
+    command
+        .add_option("--accept", options->accept,
+                    "Levels that are accepted, separated by commas: full, test, none; full by default")
+        ->type_name("LEVELS");
+    options->message.declare(command, "Read the envelope itself instead of its Base64 text",
+                             "The protected message; standard input by default");
+    return [options] { return unprotect(*options); };
+}
+
+}  // namespace vorl::tool

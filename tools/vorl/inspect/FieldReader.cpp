@@ -1,0 +1,126 @@
+#include "inspect/FieldReader.h"
+
+#include "vorl/Util.h"
+
+#include <algorithm>
+
+// A length, by its first byte:
+//
+//   00 .. 7f          that many octets follow, the last of the block
+//   80 .. bf, byte    14 bits: that many octets follow, the last of the block
+//   c1 .. c4          1 to 4 times 16384 octets follow, and then another length
+
+namespace vorl::tool {
+
+namespace {
+
+const std::uint64_t FRAGMENT_UNIT = 16384;
+
+std::string octetsText(std::uint64_t octets) {
+    return std::to_string(octets) + (octets == 1 ? " byte" : " bytes");
+}
+
+}  // namespace
+
+FieldReader::FieldReader(const bytes& record, Report& report)
+    : record_(record), report_(report), in_(record) {}
+
+unsigned char FieldReader::readByte(const std::string& name) {
+    const std::uint64_t begin = offset();
+    const unsigned char value = in_.get();
+    addField(begin, name, 0, "");
+    return value;
+}
+
+std::optional<std::uint64_t> FieldReader::readBlock(const std::string& name, const std::string& meaning) {
+    std::uint64_t size = 0;
+    bool isFragmented = false;
+    for (unsigned int number = 1;; ++number) {
+        const std::optional<Fragment> fragment = readLength(name, number, size);
+        if (!fragment) {
+            return std::nullopt;
+        }
+        isFragmented = isFragmented || !fragment->last;
+        if (!readContent(name, isFragmented ? number : 0, fragment->octets, meaning)) {
+            return std::nullopt;
+        }
+        size += fragment->octets;
+        if (fragment->last) {
+            return size;
+        }
+    }
+}
+
+void FieldReader::readRest(const std::string& name, const std::string& meaning) {
+    if (!atEnd()) {
+        const std::uint64_t begin = offset();
+        in_.skip(in_.widx());
+        addField(begin, name, 0, meaning);
+    }
+}
+
+void FieldReader::setMeaning(const std::string& meaning) {
+    report_.fields.back().meaning = meaning;
+}
+
+void FieldReader::setProblem(std::uint64_t offset, const std::string& text) {
+    if (!report_.problem) {
+        report_.problem = Problem{offset, text};
+    }
+}
+
+// `before` octets of the block have been read.
+std::optional<FieldReader::Fragment> FieldReader::readLength(const std::string& name, unsigned int number,
+                                                             std::uint64_t before) {
+    const std::uint64_t begin = offset();
+    if (atEnd()) {
+        setProblem(begin, before == 0 ? "the input ends where the length of the " + name + " is expected"
+                                      : "the " + name + " is not closed: a length must follow its " +
+                                            octetsText(before) + ", an exact multiple of 16384");
+        return std::nullopt;
+    }
+    const unsigned char head = in_.get();
+    const bool isLong = (head & 0xc0) == 0x80;
+    const bool isLast = head < 0xc0;
+    const unsigned int multiple = head & 0x3fU;
+    const unsigned int shown = number > 1 || !isLast ? number : 0;
+    if ((isLong && atEnd()) || (!isLast && (multiple < 1 || multiple > 4))) {
+        addField(begin, name + ".length", shown, isLong ? "cut short" : "no length");
+        setProblem(begin, isLong ? "the length of the " + name + " has two bytes, and the second is missing"
+                                 : "0x" + Util::toHexString(head) + " is no length");
+        return std::nullopt;
+    }
+    std::uint64_t octets = isLast ? head : multiple * FRAGMENT_UNIT;
+    if (isLong) {
+        octets = multiple << 8 | in_.get();
+    }
+    addField(begin, name + ".length", shown,
+             octetsText(octets) + (isLast ? "" : ", more follow") +
+                 (isLong && octets < 0x80 ? ", written longer than needed" : ""));
+    return Fragment{octets, isLast};
+}
+
+bool FieldReader::readContent(const std::string& name, unsigned int number, std::uint64_t octets,
+                              const std::string& meaning) {
+    const std::uint64_t begin = offset();
+    const unsigned int available = in_.skip(static_cast<unsigned int>(octets));
+    const bool isWhole = available == octets;
+    if (available > 0) {
+        addField(begin, name, number, isWhole ? meaning : meaning + ", cut short");
+    }
+    if (!isWhole) {
+        setProblem(begin, "the " + name + " is cut short: " + octetsText(octets) + " announced, " +
+                              std::to_string(available) + " there");
+    }
+    return isWhole;
+}
+
+void FieldReader::addField(std::uint64_t begin, const std::string& name, unsigned int fragment,
+                           const std::string& meaning) {
+    const std::uint64_t length = offset() - begin;
+    const auto first = record_.begin() + static_cast<std::ptrdiff_t>(begin);
+    const auto shown = static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(length, MAX_SHOWN_BYTES));
+    report_.fields.push_back({begin, length, name, fragment, bytes(first, first + shown), meaning});
+}
+
+}  // namespace vorl::tool

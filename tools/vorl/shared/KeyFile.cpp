@@ -1,0 +1,89 @@
+#include "shared/KeyFile.h"
+
+#include "shared/Descriptor.h"
+#include "shared/ToolError.h"
+#include "shared/input.h"
+#include "shared/key_formats.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cerrno>
+#include <limits>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace vorl::tool {
+
+namespace {
+
+// Far more than any form of a key takes.
+const std::size_t MAX_KEY_FILE_BYTES = std::size_t{64} * 1024;
+
+[[noreturn]] void refuse(const std::string& source, const std::string& why) {
+    throw ToolError(ExitStatus::BAD_INPUT, "cannot read the key from " + source + ": " + why);
+}
+
+// Into storage that does not move, so that no copy stays behind.
+SecretBytes readSecret(int fd, const std::string& source) {
+    bytes content(MAX_KEY_FILE_BYTES + 1);
+    std::size_t size = 0;
+    std::ptrdiff_t received = 0;
+    do {
+        received = readSome(fd, content.data() + size, content.size() - size);
+        size += received > 0 ? static_cast<std::size_t>(received) : 0;
+    } while (received > 0 && size < content.size());
+    const int error = errno;
+    const bool isTooLong = size == content.size();
+    content.resize(size);
+    SecretBytes secret(std::move(content));
+    if (received < 0) {
+        refuse(source, error == EISDIR ? "it is a directory" : systemText(error));
+    }
+    if (isTooLong) {
+        refuse(source, "it has more than " + std::to_string(MAX_KEY_FILE_BYTES) + " bytes");
+    }
+    return secret;
+}
+
+}  // namespace
+
+void KeyFile::declare(CLI::App& command) {
+    CLI::Option* const path =
+        command.add_option("-k,--key", path_, "File that holds the key, as raw bytes, hex or Base64")
+            ->type_name("FILE");
+    command.add_option("--key-fd", descriptor_, "Read the key from this open file descriptor")
+        ->check(CLI::Range(0, std::numeric_limits<int>::max()).description(""))
+        ->type_name("N")
+        ->excludes(path);
+    command
+        .add_option("--key-format", format_, "How the key is written, if it does not show: raw, hex, base64")
+        ->check(CLI::IsMember({"raw", "hex", "base64"}).description(""))
+        ->type_name("FORMAT");
+}
+
+SecretBytes KeyFile::load(std::size_t neededBytes, const std::string& inputPath) const {
+    if (isStandardInput() && inputPath == STANDARD_STREAM) {
+        throw ToolError(ExitStatus::USAGE, "standard input cannot be both the key and the input",
+                        "name a file for one of them, or pass the key with --key-fd");
+    }
+    if (descriptor_) {
+        const std::string source = "descriptor " + std::to_string(*descriptor_);
+        return keyFrom(readSecret(*descriptor_, source), format_, neededBytes, source);
+    }
+    const std::string source = inputName(*path_);
+    if (isStandardInput()) {
+        return keyFrom(readSecret(STDIN_FILENO, source), format_, neededBytes, source);
+    }
+    const Descriptor file(open(path_->c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen()) {
+        refuse(source, systemText(errno));
+    }
+    return keyFrom(readSecret(file.get(), source), format_, neededBytes, source);
+}
+
+bool KeyFile::isStandardInput() const {
+    return path_ == STANDARD_STREAM || descriptor_ == STDIN_FILENO;
+}
+
+}  // namespace vorl::tool

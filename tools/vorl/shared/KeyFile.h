@@ -1,0 +1,37 @@
+#ifndef VORL_TOOL_SHARED_KEYFILE_H
+#define VORL_TOOL_SHARED_KEYFILE_H
+
+#include "shared/SecretBytes.h"
+
+#include <optional>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace vorl::tool {
+
+/// The options by which a command is told its key: -k, --key-fd and --key-format. A key is never an argument
+/// itself, since other users of the machine see those.
+class KeyFile {
+public:
+    /// Adds the options to a command. The object must outlive the parsing.
+    void declare(CLI::App& command);
+
+    bool isGiven() const { return path_.has_value() || descriptor_.has_value(); }
+    /// The key that was named. `inputPath` is what the command reads besides: the two cannot both be standard
+    /// input. Throws ToolError.
+    SecretBytes load(std::size_t neededBytes, const std::string& inputPath) const;
+
+private:
+    bool isStandardInput() const;
+
+    std::optional<std::string> path_;
+    std::optional<int> descriptor_;
+    std::string format_;
+};
+
+}  // namespace vorl::tool
+
+#endif

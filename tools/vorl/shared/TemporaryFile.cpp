@@ -1,0 +1,70 @@
+#include "shared/TemporaryFile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vorl::tool {
+
+namespace {
+
+void check(bool succeeded) {
+    if (!succeeded) {
+        throw std::system_error(errno, std::generic_category());
+    }
+}
+
+// A pattern for mkostemp(), which replaces the last six characters.
+std::string besides(const std::string& target) {
+    const std::size_t slash = target.rfind('/');
+    const std::string folder = slash == std::string::npos ? "" : target.substr(0, slash + 1);
+    return folder + ".vorl-XXXXXX";
+}
+
+}  // namespace
+
+TemporaryFile::HeldSignals::HeldSignals() : before_() {
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+        sigaddset(&ending, signal);
+    }
+    sigprocmask(SIG_BLOCK, &ending, &before_);
+}
+
+TemporaryFile::HeldSignals::~HeldSignals() {
+    sigprocmask(SIG_SETMASK, &before_, nullptr);
+}
+
+TemporaryFile::TemporaryFile(const std::string& target)
+    : target_(target), path_(besides(target)), file_(mkostemp(path_.data(), O_CLOEXEC)) {
+    check(file_.isOpen());
+}
+
+TemporaryFile::~TemporaryFile() {
+    if (!path_.empty()) {
+        unlink(path_.c_str());
+    }
+}
+
+void TemporaryFile::write(const bytes& data) {
+    check(writeAll(file_.get(), data.data(), data.size()));
+}
+
+void TemporaryFile::setMode(mode_t mode) {
+    check(fchmod(file_.get(), mode) == 0);
+}
+
+void TemporaryFile::replaceTarget() {
+    check(fsync(file_.get()) == 0);
+    check(file_.close());
+    check(rename(path_.c_str(), target_.c_str()) == 0);
+    path_.clear();
+}
+
+}  // namespace vorl::tool

@@ -1,0 +1,95 @@
+#include "shared/command_line.h"
+
+#include "commands/commands.h"
+#include "shared/ToolError.h"
+#include "shared/messages.h"
+#include "shared/output.h"
+#include "vorl/OpenSSLException.h"
+
+#include <openssl/crypto.h>
+#include <CLI/CLI.hpp>
+
+#include <new>
+#include <string>
+
+namespace vorl::tool {
+
+namespace {
+
+const char EXIT_STATUSES[] =
+    "Exit status: 0 success, 1 refused by the policy, 2 wrong usage, 3 input unreadable or malformed,\n"
+    "4 cannot be opened (wrong key or damaged data), 5 fault of the platform or the output.";
+
+std::string versionText() {
+    return "vorl " VORL_TOOL_VERSION "\n" + std::string(OpenSSL_version(OPENSSL_VERSION));
+}
+
+void declareVersion(CLI::App& app) {
+    app.set_version_flag("--version", versionText, "Print the versions of vorl and OpenSSL and exit");
+}
+
+void declareCommands(CLI::App& app, Run& chosen) {
+    for (const Command& command : COMMANDS) {
+        CLI::App* const subcommand = app.add_subcommand(command.name, command.description);
+        declareVersion(*subcommand);
+        subcommand->footer(EXIT_STATUSES);
+        subcommand->callback([&chosen, run = command.declare(*subcommand)] { chosen = run; });
+    }
+    // At most one: what follows a command is its own, even if it is a file with the name of a command.
+    app.require_subcommand(0, 1);
+}
+
+ExitStatus refuseUsage(const CLI::App& app, const CLI::ParseError& error) {
+    const auto commands = app.get_subcommands();
+    sayError(error.what());
+    sayHint("'vorl" + (commands.empty() ? "" : " " + commands.back()->get_name()) +
+            " --help' shows the usage");
+    return ExitStatus::USAGE;
+}
+
+ExitStatus parseAndRun(int argc, const char* const* argv) {
+    CLI::App app("Protects messages in envelopes, opens them, and looks into them.", "vorl");
+    declareVersion(app);
+    app.footer(EXIT_STATUSES);
+    Run chosen;
+    declareCommands(app, chosen);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        writeStandardOutput(app.help());
+        return ExitStatus::SUCCESS;
+    } catch (const CLI::CallForVersion&) {
+        writeStandardOutput(versionText() + "\n");
+        return ExitStatus::SUCCESS;
+    } catch (const CLI::ParseError& error) {
+        return refuseUsage(app, error);
+    }
+    if (!chosen) {
+        throw ToolError(ExitStatus::USAGE, "a command is needed", "'vorl --help' lists the commands");
+    }
+    return chosen();
+}
+
+}  // namespace
+
+ExitStatus runCommandLine(int argc, const char* const* argv) {
+    try {
+        return parseAndRun(argc, argv);
+    } catch (const ToolError& error) {
+        sayError(error.what());
+        sayHint(error.hint());
+        return error.status();
+    } catch (const std::bad_alloc&) {
+        sayError("the input, and what becomes of it, does not fit in memory");
+        return ExitStatus::BAD_INPUT;
+    } catch (const OpenSSLException& error) {
+        sayError(std::string(error.what()) + " failed in OpenSSL");
+        sayHint(error.errorStack());
+    } catch (const std::exception& error) {
+        sayError(error.what());
+    }
+    sayHint("'vorl doctor' checks what the tool depends on");
+    return ExitStatus::FAULT;
+}
+
+}  // namespace vorl::tool

@@ -1,0 +1,116 @@
+#include "shared/key_formats.h"
+
+#include "inspect/base64_text.h"
+#include "shared/ToolError.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace vorl::tool {
+
+namespace {
+
+const char ANOTHER_FORMAT[] = "--key-format raw|hex|base64 says how to read it";
+
+// One way to read a key file.
+struct Reading {
+    std::string format;
+    SecretBytes key;
+};
+
+// The value of a hex digit, or -1.
+int digitValue(unsigned char c) {
+    if (c >= '0' && c <= '9') {
+        return c - '0';
+    }
+    const int lower = c | 0x20;
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+// Empty for what is not hex.
+SecretBytes decodeHex(const bytes& text) {
+    const std::size_t size = sizeWithoutNewline(text);
+    const auto end = text.begin() + static_cast<std::ptrdiff_t>(size);
+    const bool isHex = std::all_of(text.begin(), end, [](unsigned char c) { return digitValue(c) >= 0; });
+    if (!isHex || size % 2 != 0) {
+        return SecretBytes();
+    }
+    bytes decoded;
+    decoded.reserve(size / 2);
+    for (std::size_t i = 0; i < size; i += 2) {
+        decoded.push_back(static_cast<unsigned char>(digitValue(text[i]) << 4 | digitValue(text[i + 1])));
+    }
+    return SecretBytes(std::move(decoded));
+}
+
+// The most telling one first: what is hex is seldom meant as anything else, and raw is everything.
+std::vector<Reading> readingsOf(const SecretBytes& content) {
+    std::vector<Reading> readings;
+    readings.push_back({"hex", decodeHex(content.get())});
+    readings.push_back({"base64", SecretBytes(decodeBase64Text(content.get()).data)});
+    readings.push_back({"raw", SecretBytes(content.get())});
+    readings.erase(std::remove_if(readings.begin(), readings.end(),
+                                  [](const Reading& reading) { return reading.key.size() == 0; }),
+                   readings.end());
+    return readings;
+}
+
+[[noreturn]] void refuseSize(const std::string& source, const std::string& format, std::size_t size,
+                             std::size_t neededBytes) {
+    throw ToolError(ExitStatus::BAD_INPUT,
+                    source + ": the key has " + std::to_string(size) + " bytes, " +
+                        std::to_string(neededBytes) + " are needed",
+                    format == "raw" ? "" : "it was read as " + format + "; " + ANOTHER_FORMAT);
+}
+
+[[noreturn]] void refuseAmbiguity(const std::string& source, const std::vector<Reading>& readings) {
+    std::string forms;
+    for (const Reading& reading : readings) {
+        forms += (forms.empty() ? "" : " or as ") + reading.format + " (" +
+                 std::to_string(reading.key.size()) + " bytes)";
+    }
+    throw ToolError(ExitStatus::USAGE, source + ": the key can be read as " + forms, ANOTHER_FORMAT);
+}
+
+// Which of the readings is meant, where the user has not said it.
+Reading& meantOf(std::vector<Reading>& readings, std::size_t neededBytes, const std::string& source) {
+    const auto fits = [neededBytes](const Reading& reading) { return reading.key.size() == neededBytes; };
+    const auto fitting = std::count_if(readings.begin(), readings.end(), fits);
+    if (fitting == 0) {
+        return readings.front();
+    }
+    const auto meant = std::find_if(readings.begin(), readings.end(), fits);
+    // Anything of the right length fits as raw. Digits of a text that stands for fewer bytes are no key of
+    // random bytes, as likely as not, so that a text is not taken for one unasked.
+    if (fitting > 1 || (meant->format == "raw" && readings.size() > 1)) {
+        refuseAmbiguity(source, readings);
+    }
+    return *meant;
+}
+
+Reading& namedOf(std::vector<Reading>& readings, const std::string& format, const std::string& source) {
+    const auto named = std::find_if(readings.begin(), readings.end(),
+                                    [&format](const Reading& each) { return each.format == format; });
+    if (named == readings.end()) {
+        throw ToolError(ExitStatus::BAD_INPUT, source + ": the key is not " + format, ANOTHER_FORMAT);
+    }
+    return *named;
+}
+
+}  // namespace
+
+SecretBytes keyFrom(const SecretBytes& content, const std::string& format, std::size_t neededBytes,
+                    const std::string& source) {
+    if (sizeWithoutNewline(content.get()) == 0) {
+        refuseSize(source, "raw", content.size(), neededBytes);
+    }
+    std::vector<Reading> readings = readingsOf(content);
+    Reading& reading =
+        format.empty() ? meantOf(readings, neededBytes, source) : namedOf(readings, format, source);
+    if (reading.key.size() != neededBytes) {
+        refuseSize(source, reading.format, reading.key.size(), neededBytes);
+    }
+    return std::move(reading.key);
+}
+
+}  // namespace vorl::tool

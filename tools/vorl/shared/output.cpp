@@ -1,0 +1,100 @@
+#include "shared/output.h"
+
+#include "shared/Descriptor.h"
+#include "shared/TemporaryFile.h"
+#include "shared/ToolError.h"
+#include "shared/input.h"
+#include "shared/terminal.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <memory>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace vorl::tool {
+
+namespace {
+
+[[noreturn]] void refuse(const std::string& name, const std::string& why) {
+    throw ToolError(ExitStatus::FAULT, "cannot write " + name + ": " + why);
+}
+
+void writeStandardOutput(const void* data, std::size_t size) {
+    if (!writeAll(STDOUT_FILENO, data, size)) {
+        refuse("standard output", systemText(errno));
+    }
+}
+
+// Where the file itself lies, if `path` is a link to one.
+std::string behindLinks(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
+    return real ? real.get() : path;
+}
+
+mode_t modeFor(Readers readers) {
+    if (readers == Readers::OWNER) {
+        return S_IRUSR | S_IWUSR;
+    }
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+void replaceFile(const std::string& path, const bytes& data, Readers readers) {
+    TemporaryFile file(behindLinks(path));
+    file.write(data);
+    file.setMode(modeFor(readers));
+    file.replaceTarget();
+}
+
+void writeDirectly(const std::string& path, const bytes& data) {
+    Descriptor device(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+    if (!device.isOpen() || !writeAll(device.get(), data.data(), data.size()) || !device.close()) {
+        refuse("'" + path + "'", systemText(errno));
+    }
+}
+
+void writeFile(const std::string& path, const bytes& data, Readers readers) {
+    struct stat status {};
+    const bool exists = stat(path.c_str(), &status) == 0;
+    if (exists && S_ISDIR(status.st_mode)) {
+        refuse("'" + path + "'", "it is a directory");
+    }
+    if (exists && !S_ISREG(status.st_mode)) {
+        writeDirectly(path, data);
+        return;
+    }
+    try {
+        replaceFile(path, data, readers);
+    } catch (const std::system_error& error) {
+        refuse("'" + path + "'", systemText(error.code().value()));
+    }
+}
+
+}  // namespace
+
+void writeOutput(const std::optional<std::string>& path, const bytes& data, Readers readers) {
+    if (!path || *path == STANDARD_STREAM) {
+        writeStandardOutput(data.data(), data.size());
+    } else {
+        writeFile(*path, data, readers);
+    }
+}
+
+void writeStandardOutput(const std::string& text) {
+    writeStandardOutput(text.data(), text.size());
+}
+
+void refuseBinaryOnTerminal(const std::optional<std::string>& path) {
+    if (!path && isTerminal(STDOUT_FILENO)) {
+        throw ToolError(ExitStatus::USAGE, "binary data is not written to a terminal",
+                        "name a file with -o FILE, or insist with '-o -'");
+    }
+}
+
+}  // namespace vorl::tool

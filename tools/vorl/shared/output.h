@@ -1,0 +1,33 @@
+#ifndef VORL_TOOL_SHARED_OUTPUT_H
+#define VORL_TOOL_SHARED_OUTPUT_H
+
+#include "vorl/bytes.h"
+
+#include <optional>
+#include <string>
+
+namespace vorl::tool {
+
+/// Who may read a file that the tool writes.
+enum class Readers {
+    /// Whom the umask lets.
+    ANYBODY,
+    /// For opened messages and keys.
+    OWNER,
+};
+
+/// Writes a result to the file `path`, or to standard output where there is none or it is "-".
+///
+/// A file appears whole or not at all, and what it replaces stays until then; a link is followed. Something
+/// that is not a file, such as a device or a pipe, is written to as it is. Throws ToolError.
+void writeOutput(const std::optional<std::string>& path, const bytes& data, Readers readers);
+
+/// Throws ToolError where not everything could be written.
+void writeStandardOutput(const std::string& text);
+
+/// Throws ToolError where binary data would go to a terminal although no `path` says so.
+void refuseBinaryOnTerminal(const std::optional<std::string>& path);
+
+}  // namespace vorl::tool
+
+#endif

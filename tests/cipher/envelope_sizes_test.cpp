@@ -1,0 +1,92 @@
+#include "LibraryState.h"
+#include "cipher_contexts.h"
+#include "messageOf.h"
+#include "message_sizes.h"
+#include "octets.h"
+#include "vorl/ASN1Exception.h"
+#include "vorl/CipherSpec.h"
+#include "vorl/CipherWrapper.h"
+#include "vorl/NullCipher.h"
+#include "vorl/SoftwareKeyCipher.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <utility>
+
+namespace vorl::test {
+
+namespace {
+
+using tarvik::crypto::ICipherContext;
+
+const bytes KEY = fromHex("2b7e151628aed2a6abf7158809cf4f3c");
+const bytes IV = fromHex("000102030405060708090a0b0c0d0e0f");
+
+struct Way {
+    const char* name;
+    Level level;
+    // The library's own cipher takes a short cut, which a foreign one does not.
+    bool foreign;
+};
+
+const Way WAYS[] = {
+    {"NoneOwn", NONE, false},    {"NoneForeign", NONE, true}, {"TestOwn", TEST, false},
+    {"TestForeign", TEST, true}, {"FullOwn", FULL, false},    {"FullForeign", FULL, true},
+};
+
+class EnvelopeSizes : public StartedLibrary, public ::testing::WithParamInterface<Way> {
+protected:
+    std::shared_ptr<ICipherContext> context() const {
+        std::shared_ptr<ICipherContext> own;
+        if (GetParam().level == NONE) {
+            own = std::make_shared<NullCipher>();
+        } else {
+            own = std::make_shared<SoftwareKeyCipher>(
+                GetParam().level == TEST ? CipherSpec::AES_128_ECB_PKCS5() : CipherSpec::AES_128_CBC_PKCS5(),
+                KEY);
+        }
+        return GetParam().foreign ? std::make_shared<ForwardingContext>(own, 100) : own;
+    }
+
+    const Level level_ = GetParam().level;
+};
+
+}  // namespace
+
+TEST_P(EnvelopeSizes, AreWrittenToTheByte) {
+    const auto wrapper = CipherWrapper::forID(level_);
+    const auto ctx = context();
+    for (const std::size_t size : messageSizes()) {
+        const bytes message = octets(size);
+        const bytes envelope = wrapper->encrypt(message, *ctx);
+        ASSERT_TRUE(envelope ==
+                    expectedEnvelope(level_, KEY, level_ == FULL ? ivOf(envelope) : bytes(), message))
+            << size;
+    }
+}
+
+TEST_P(EnvelopeSizes, AreReadBackUnlessTheBodyIsAMultipleOf16384) {
+    const auto ctx = context();
+    for (const std::size_t size : messageSizes()) {
+        const bytes message = octets(size);
+        bytes envelope = expectedEnvelope(level_, KEY, IV, message);
+        const std::size_t envelopeSize = envelope.size();
+        if (canBeReadBack(level_, size)) {
+            ASSERT_TRUE(CipherWrapper::decrypt(envelope, *ctx) == message) << size;
+            ASSERT_TRUE(CipherWrapper::decrypt(std::move(envelope), *ctx) == message) << size;
+        } else {
+            ASSERT_EQ(messageOf<ASN1Exception>([&] { CipherWrapper::decrypt(envelope, *ctx); }),
+                      endsTooEarly(envelopeSize))
+                << size;
+            ASSERT_EQ(messageOf<ASN1Exception>([&] { CipherWrapper::decrypt(std::move(envelope), *ctx); }),
+                      endsTooEarly(envelopeSize))
+                << size;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, EnvelopeSizes, ::testing::ValuesIn(WAYS),
+                         [](const auto& test) { return test.param.name; });
+
+}  // namespace vorl::test

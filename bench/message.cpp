@@ -18,9 +18,10 @@
 
 #include <stdexcept>
 
+namespace vorl::bench {
+
 namespace {
 
-using namespace vorl;
 using benchmark::State;
 using Tarvik::BrisClient::Base64;
 
@@ -45,7 +46,7 @@ public:
 };
 
 void floorEncrypt(State& state) {
-    bench::Floor floor(KEY);
+    Floor floor(KEY);
     const bytes message = messageOf(state);
     for (auto _ : state) {
         benchmark::DoNotOptimize(floor.encrypt(message).data.get());
@@ -73,7 +74,7 @@ void foreignEncrypt(State& state) {
 }
 
 void floorDecrypt(State& state) {
-    bench::Floor floor(KEY);
+    Floor floor(KEY);
     const bytes text = VorlContext(KEY).encrypt(messageOf(state));
     for (auto _ : state) {
         benchmark::DoNotOptimize(floor.decrypt(text).data.get());
@@ -125,7 +126,7 @@ BENCHMARK(floorDecrypt)->Arg(KIB)->Threads(1)->Threads(2)->UseRealTime();
 void checkFloor() {
     for (const std::size_t size : {0U, 5U, 64U, 16384U, 70000U, 200000U}) {
         bytes message(size, 0x61);
-        bench::Floor floor(KEY);
+        Floor floor(KEY);
         VorlContext context(KEY);
         const auto made = floor.encrypt(message);
         const auto opened = floor.decrypt(context.encrypt(message));
@@ -138,16 +139,22 @@ void checkFloor() {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+void start() {
     Random::init_ = true;
     VORLLib::init();
     checkFloor();
+}
+
+}  // namespace vorl::bench
+
+int main(int argc, char** argv) {
+    vorl::bench::start();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 2;
     }
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
-    VORLLib::cleanup();
+    vorl::VORLLib::cleanup();
     return 0;
 }

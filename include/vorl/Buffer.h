@@ -25,7 +25,8 @@ public:
     Buffer() = default;
     /// An empty buffer with room for `size` bytes.
     explicit Buffer(unsigned int size);
-    /// A buffer that holds the given bytes, ready to be read.
+    /// A buffer that holds the given bytes, ready to be read. A list of octets is written Buffer(bytes{...}):
+    /// by itself, a list of one number would be taken for a size.
     Buffer(const unsigned char* p, unsigned int n);
     Buffer(const bytes& v);
     Buffer(bytes&& v);

@@ -78,6 +78,9 @@ protected:
     /// Opens the rest of an envelope, behind its version byte. Uses up `in`.
     virtual bytes doDecrypt(Buffer& in, tarvik::crypto::ICipherContext& ctx) const;
 
+    /// Null unless given at construction.
+    const std::shared_ptr<const CipherSpec> spec_;
+
 private:
     class SpecInUse;
 
@@ -86,7 +89,6 @@ private:
     static bool init_;
 
     const std::string name_;
-    const std::shared_ptr<const CipherSpec> spec_;
 };
 
 }  // namespace vorl

@@ -6,7 +6,7 @@
 namespace vorl {
 
 /// The null envelope: the message itself behind its length, for a peer that protects it otherwise.
-class VORL_API CipherWrapper00 final : public CipherWrapper {
+class VORL_API CipherWrapper00 : public CipherWrapper {
 public:
     explicit CipherWrapper00(const std::string& name);
     ~CipherWrapper00() override;
@@ -15,7 +15,8 @@ public:
     /// bytes.
     bytes encrypt(const bytes& data, tarvik::crypto::ICipherContext& ctx) const override;
     unsigned char id() const override;
-    std::shared_ptr<const CipherSpec> getCipherSpec() const override;
+    /// Final, since the version byte stands for this spec alone.
+    std::shared_ptr<const CipherSpec> getCipherSpec() const final;
 
 protected:
     bytes doDecrypt(Buffer& in, tarvik::crypto::ICipherContext& ctx) const override;

@@ -6,13 +6,14 @@
 namespace vorl {
 
 /// The test envelope: AES-128-ECB with PKCS #5 padding, without an IV.
-class VORL_API CipherWrapper01 final : public CipherWrapper {
+class VORL_API CipherWrapper01 : public CipherWrapper {
 public:
     explicit CipherWrapper01(const std::string& name);
     ~CipherWrapper01() override;
 
     unsigned char id() const override;
-    std::shared_ptr<const CipherSpec> getCipherSpec() const override;
+    /// Final, since the version byte stands for this spec alone.
+    std::shared_ptr<const CipherSpec> getCipherSpec() const final;
 };
 
 }  // namespace vorl

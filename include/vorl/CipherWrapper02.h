@@ -6,13 +6,14 @@
 namespace vorl {
 
 /// The full envelope: AES-128-CBC with PKCS #5 padding and a fresh random IV.
-class VORL_API CipherWrapper02 final : public CipherWrapper {
+class VORL_API CipherWrapper02 : public CipherWrapper {
 public:
     explicit CipherWrapper02(const std::string& name);
     ~CipherWrapper02() override;
 
     unsigned char id() const override;
-    std::shared_ptr<const CipherSpec> getCipherSpec() const override;
+    /// Final, since the version byte stands for this spec alone.
+    std::shared_ptr<const CipherSpec> getCipherSpec() const final;
 };
 
 }  // namespace vorl

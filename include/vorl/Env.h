@@ -8,7 +8,7 @@
 namespace vorl {
 
 /// A part of the library whose intermediate data can be written to files for diagnosis.
-enum Component {
+enum Component : unsigned int {
     DIFFIE_HELLMAN = 0,
 };
 

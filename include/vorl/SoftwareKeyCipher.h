@@ -49,8 +49,12 @@ public:
     void encryptInit(unsigned char* iv);
     void decryptInit(unsigned char* iv);
 
-    /// update() from and to given storage, which may be the same; returns how many bytes were written to
-    /// `out`: never more than `size` and a block of the cipher.
+    /// Back to what it was after construction.
+    void initObj();
+
+    /// update() from and to given storage; returns how many bytes were written to `out`: never more than
+    /// `size` and a block of the cipher. The two do not overlap; where all the input of an operation comes in
+    /// one call they may be the same.
     std::size_t update(const unsigned char* data, std::size_t size, unsigned char* out);
     /// final() to given storage of at least a block of the cipher.
     std::size_t final(unsigned char* out);
@@ -60,7 +64,6 @@ private:
         void operator()(EVP_CIPHER_CTX* context) const;
     };
 
-    void initObj();
     void start(const unsigned char* iv);
     bool setKey(const unsigned char* iv);
     bool feed(const unsigned char* data, std::size_t size, unsigned char* out, std::size_t& produced);

@@ -9,7 +9,7 @@
 namespace vorl {
 
 /// What kind of failure a VORLException reports; the text always comes from the thrower.
-enum ErrorCode {
+enum ErrorCode : unsigned int {
     GENERAL_ERROR = 0,
     NULL_PARAMETER = 1,
 };

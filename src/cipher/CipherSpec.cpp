@@ -1,10 +1,10 @@
 #include "vorl/CipherSpec.h"
 
+#include "core/blanks.h"
 #include "mode_text.h"
 #include "vorl/CipherAlgo.h"
 #include "vorl/Env.h"
 #include "vorl/PaddingType.h"
-#include "vorl/Util.h"
 
 #include <tarvik/crypto/ICipherContext.h>
 
@@ -62,17 +62,18 @@ std::string CipherSpec::toString() const {
            modeText(*mode) + "_" + padding->name + "]";
 }
 
-std::string CipherSpec::toFormatString(unsigned int width, unsigned int level,
+std::string CipherSpec::toFormatString(unsigned int /*width*/, unsigned int level,
                                        const std::string& /*separator*/, unsigned int indentSize) const {
-    // The header line takes the indent with it; the lines below begin with the indent alone.
-    const std::string header =
-        Util::toFormatString("CipherSpec (" + toString() + ")", width, level, indentSize);
-    const std::string indent = header.substr(0, header.find_first_not_of(' '));
-    return header + indent + "Cipher Algo:  " + algo->name + "\n" + indent +
-           "Cipher Mode:  " + modeText(*mode) + "\n" + indent + "Padding:  " + padding->name + "\n" + indent +
-           "Key Size:  " + std::to_string(keySize) + "\n" + indent +
-           "Block Size:  " + std::to_string(blockSize) + "\n" + indent +
-           "IV Size:  " + std::to_string(ivSize) + "\n";
+    const std::string indent = indentOf(level, indentSize);
+    std::string text;
+    for (const std::string& line :
+         {"CipherSpec (" + toString() + "):", "Cipher Algo:  " + algo->name,
+          "Cipher Mode:  " + modeText(*mode), "Padding:  " + padding->name,
+          "Key Size:  " + std::to_string(keySize), "Block Size:  " + std::to_string(blockSize),
+          "IV Size:  " + std::to_string(ivSize)}) {
+        text += indent + line + "\n";
+    }
+    return text;
 }
 
 std::string CipherSpec::toFormatString(unsigned int width, unsigned int level) const {

@@ -28,8 +28,9 @@ namespace {
 
 using Registry = std::map<unsigned char, std::shared_ptr<const CipherWrapper>>;
 
+// Never destroyed: an application's own static objects may clean up the library when the process ends.
 Registry& wrappers() {
-    static Registry registry;
+    static auto& registry = *new Registry;
     return registry;
 }
 
@@ -168,7 +169,7 @@ CipherWrapper::~CipherWrapper() = default;
 CipherWrapper::CipherWrapper(const std::string& name) : CipherWrapper(name, nullptr) {}
 
 CipherWrapper::CipherWrapper(const std::string& name, std::shared_ptr<const CipherSpec> spec)
-    : name_(name), spec_(std::move(spec)) {}
+    : spec_(std::move(spec)), name_(name) {}
 
 bytes CipherWrapper::doDecrypt(Buffer& in, ICipherContext& ctx) const {
     const SpecInUse spec(*this);

@@ -25,7 +25,7 @@ unsigned char CipherWrapper00::id() const {
 }
 
 std::shared_ptr<const CipherSpec> CipherWrapper00::getCipherSpec() const {
-    return CipherSpec::NULL_CIPHER();
+    return spec_;
 }
 
 bytes CipherWrapper00::doDecrypt(Buffer& in, tarvik::crypto::ICipherContext& /*ctx*/) const {

@@ -14,7 +14,7 @@ unsigned char CipherWrapper01::id() const {
 }
 
 std::shared_ptr<const CipherSpec> CipherWrapper01::getCipherSpec() const {
-    return CipherSpec::AES_128_ECB_PKCS5();
+    return spec_;
 }
 
 }  // namespace vorl

@@ -14,7 +14,7 @@ unsigned char CipherWrapper02::id() const {
 }
 
 std::shared_ptr<const CipherSpec> CipherWrapper02::getCipherSpec() const {
-    return CipherSpec::AES_128_CBC_PKCS5();
+    return spec_;
 }
 
 }  // namespace vorl

@@ -157,9 +157,13 @@ void SoftwareKeyCipher::FreeContext::operator()(EVP_CIPHER_CTX* context) const {
 }
 
 void SoftwareKeyCipher::initObj() {
-    for (auto& context : ctx) {
-        context.reset(EVP_CIPHER_CTX_new());
+    const ErrorQueueMark mark;
+    for (const int direction : {0, 1}) {
+        ctx[direction].reset(EVP_CIPHER_CTX_new());
+        keyed[direction] = false;
     }
+    decrypting = 0;
+    started = false;
 }
 
 // The result of an init is not reported, but it is remembered: OpenSSL does not survive being fed through a

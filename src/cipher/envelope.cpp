@@ -7,13 +7,23 @@
 
 namespace vorl {
 
+namespace {
+
+const char TOO_LONG[] = "CipherWrapper: an envelope would pass 2^32-1 bytes";
+
+}  // namespace
+
 bytes beginEnvelope(unsigned char version, const bytes& iv, std::uint64_t bodyOctets) {
     const std::uint64_t size = 1 + encodedBlockSize(iv.size()) + encodedBlockSize(bodyOctets);
     bytes envelope;
-    envelope.reserve(index32(size, "CipherWrapper: an envelope would pass 2^32-1 bytes"));
+    envelope.reserve(index32(size, TOO_LONG));
     envelope.assign(1, version);
     BodyWriter(envelope, iv.size()).append(iv);
     return envelope;
+}
+
+BodyWriter::BodyWriter(bytes& envelope, std::uint64_t octets) : envelope_(envelope), rest_(octets) {
+    index32(envelope.size() + encodedBlockSize(octets), TOO_LONG);
 }
 
 std::size_t BodyWriter::nextRun(std::size_t most) {

@@ -21,7 +21,8 @@ bytes beginEnvelope(unsigned char version, const bytes& iv, std::uint64_t bodyOc
 /// Writes an OctetString of a known length behind an envelope, piece by piece.
 class BodyWriter {
 public:
-    BodyWriter(bytes& envelope, std::uint64_t octets) : envelope_(envelope), rest_(octets) {}
+    /// Throws std::length_error where the whole would pass 2^32 - 1 bytes.
+    BodyWriter(bytes& envelope, std::uint64_t octets);
 
     /// Octets that are still to be written.
     std::uint64_t rest() const { return rest_; }

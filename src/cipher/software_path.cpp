@@ -49,8 +49,10 @@ SoftwareKeyCipher* softwareCipher(tarvik::crypto::ICipherContext& ctx, const Cip
     if (typeid(ctx) != typeid(SoftwareKeyCipher)) {
         return nullptr;
     }
+    static const CipherSpec* const ECB = CipherSpec::AES_128_ECB_PKCS5().get();
+    static const CipherSpec* const CBC = CipherSpec::AES_128_CBC_PKCS5().get();
     auto& cipher = static_cast<SoftwareKeyCipher&>(ctx);
-    return cipher.isBoundTo(spec) ? &cipher : nullptr;
+    return (&spec == CBC || &spec == ECB) && cipher.isBoundTo(spec) ? &cipher : nullptr;
 }
 
 bytes encryptIntoEnvelope(unsigned char version, const bytes& iv, const bytes& data,
@@ -100,9 +102,12 @@ bytes decryptInPlace(Buffer& in, const OctetRuns& iv, SoftwareKeyCipher& cipher)
             joined += piece;
         }
     });
-    store.resize(decrypted + BLOCK);
-    decrypted += cipher.final(store.data() + decrypted);
-    store.resize(decrypted);
+    // Into a block of its own, which the store may not have; what comes out of it is less than was held back.
+    unsigned char last[BLOCK];
+    const std::size_t lastOctets = cipher.final(last);
+    std::copy_n(last, lastOctets, store.data() + decrypted);
+    OPENSSL_cleanse(last, sizeof last);
+    store.resize(decrypted + lastOctets);
     wipe.keep();
     return store;
 }

@@ -16,7 +16,8 @@ class SoftwareKeyCipher;
 // which saves the vectors of the cipher-context interface. Nothing else about a message changes.
 
 /// `ctx` as a SoftwareKeyCipher, where it is exactly that (a subclass wants its overrides to be called) and
-/// was made for exactly `spec` (so that sizes are known beforehand); else null.
+/// both it and the wrapper have one of the library's AES specs (so that sizes are known beforehand); else
+/// null.
 SoftwareKeyCipher* softwareCipher(tarvik::crypto::ICipherContext& ctx, const CipherSpec& spec);
 
 /// The whole envelope of `data`; `cipher` is ready to encrypt.

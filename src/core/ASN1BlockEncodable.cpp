@@ -78,7 +78,8 @@ void ASN1BlockEncodable::encode(Buffer& b) const {
     const std::uint64_t units = unitLength();
     const bool hasSpare = spareBits(std::uint64_t{8} * data.size(), unit * units, unit) != 0;
 
-    // All spans are checked before the first byte is written, so that a refusal leaves `b` as it was.
+    // All is checked before the first byte is written, so that a refusal leaves `b` as it was.
+    std::uint64_t end = b.widx();
     std::uint64_t done = 0;
     for (Fragment fragment{}; done < units; done += fragment.units) {
         fragment = nextFragment(units - done);
@@ -86,7 +87,9 @@ void ASN1BlockEncodable::encode(Buffer& b) const {
         if (span.start + span.count > data.size()) {
             refuseShortContent(span.count, data.size() - std::min<std::uint64_t>(span.start, data.size()));
         }
+        end += determinantOf(fragment).size + span.count;
     }
+    index32(end, "ASN1BlockEncodable: an index would pass 2^32-1");
     // No unit, no encoding: not even a zero length, and none to close a multiple of 16384 either.
     done = 0;
     for (Fragment fragment{}; done < units; done += fragment.units) {

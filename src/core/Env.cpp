@@ -6,9 +6,10 @@ namespace vorl {
 
 namespace {
 
-// Behind a function, so that an application's own static objects may already set a switch.
+// Made on first use and never destroyed, so that an application's own static objects may use it at both ends
+// of the process.
 std::map<Component, bool>& insComponents() {
-    static std::map<Component, bool> switches;
+    static auto& switches = *new std::map<Component, bool>;
     return switches;
 }
 

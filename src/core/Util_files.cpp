@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <stdexcept>
 
 namespace vorl {
@@ -36,6 +37,7 @@ private:
 };
 
 // 0 for what has no size to tell: a pipe, a terminal, and a directory, whose end is a meaningless number.
+// Throws std::length_error for more than memory can hold.
 std::size_t sizeOf(const File& file) {
     struct stat status {};
     if (::fstat(file.fd(), &status) != 0 || S_ISDIR(status.st_mode)) {
@@ -44,6 +46,9 @@ std::size_t sizeOf(const File& file) {
     const off_t end = ::lseek(file.fd(), 0, SEEK_END);
     if (end <= 0 || ::lseek(file.fd(), 0, SEEK_SET) != 0) {
         return 0;
+    }
+    if (static_cast<std::uint64_t>(end) > bytes().max_size()) {
+        throw std::length_error("Util: a file that does not fit in memory");
     }
     return static_cast<std::size_t>(end);
 }

@@ -1,5 +1,6 @@
 #include "vorl/Util.h"
 
+#include "blanks.h"
 #include "index32.h"
 #include "vorl/Env.h"
 
@@ -25,13 +26,6 @@ void appendHex(std::string& out, const unsigned char* p, std::size_t len, const 
         }
         appendHex(out, p[i]);
     }
-}
-
-std::string blanks(std::uint64_t count) {
-    if (count > std::string().max_size()) {
-        throw std::length_error("Util: indentation");
-    }
-    return std::string(static_cast<std::size_t>(count), ' ');
 }
 
 // How many bytes fit on a line of a block; at least one, however deep the nesting has become.
@@ -100,7 +94,7 @@ bool Util::isPowerOf2(unsigned int x) {
 
 std::string Util::toFormatString(std::string name, unsigned int /*width*/, unsigned int level,
                                  unsigned int indentSize) {
-    return blanks(std::uint64_t{indentSize} * level) + name + ":\n";
+    return indentOf(level, indentSize) + name + ":\n";
 }
 
 std::string Util::toFormatHexString(const unsigned char* p, unsigned int len, const std::string& name,

@@ -9,9 +9,6 @@ namespace vorl {
 
 namespace {
 
-// What every fragment but the last holds at the least.
-const unsigned int SMALLEST_FULL_FRAGMENT = 16384;
-
 OctetRun passOver(Buffer& in, const Fragment& fragment) {
     const OctetRun run{in.ridx(), fragment.units};
     const unsigned int available = in.skip(fragment.units);
@@ -28,7 +25,8 @@ OctetRuns::OctetRuns(Buffer& in) {
     first_ = passOver(in, fragment);
     octets_ = first_.octets;
     if (!fragment.last) {
-        further_.reserve((in.widx() - in.ridx()) / SMALLEST_FULL_FRAGMENT + 1);
+        // Room for all at once: every fragment but the last holds this much at the least.
+        further_.reserve((in.widx() - in.ridx()) / LONG_FORM_LIMIT + 1);
     }
     while (!fragment.last) {
         fragment = readFragment(in);

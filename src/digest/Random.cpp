@@ -1,5 +1,6 @@
 #include "vorl/Random.h"
 
+#include "core/ErrorQueueMark.h"
 #include "vorl/OpenSSLException.h"
 
 #include <openssl/rand.h>
@@ -22,11 +23,13 @@ bytes Random::next(unsigned int n) {
     if (!init_) {
         throw OpenSSLException("Random must be initialized before use");
     }
-    // OpenSSL counts in ints.
+    // OpenSSL counts in ints, so it is not even asked.
     if (n > static_cast<unsigned int>(std::numeric_limits<int>::max())) {
-        OpenSSLException::throw_message("RAND_bytes", "Random", __LINE__, __func__);
+        throw OpenSSLException("RAND_bytes");
     }
     bytes random(n);
+    // For the failure that passes as success.
+    const ErrorQueueMark mark;
     if (RAND_bytes(random.data(), static_cast<int>(n)) == 0) {
         OpenSSLException::throw_message("RAND_bytes", "Random", __LINE__, __func__);
     }

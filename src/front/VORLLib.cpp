@@ -19,8 +19,9 @@ namespace {
 
 using Policy = std::map<std::shared_ptr<const EncryptionType>, bool>;
 
+// Never destroyed: an application's own static objects may use the library until the process ends.
 Policy& allowedEncryption() {
-    static Policy policy;
+    static auto& policy = *new Policy;
     return policy;
 }
 

@@ -1,6 +1,7 @@
 #include "vorl/Util.h"
 
 #include "FakeClock.h"
+#include "SlowIo.h"
 #include "TempFolder.h"
 #include "messageOf.h"
 #include "octets.h"
@@ -10,19 +11,13 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <pthread.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <atomic>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace vorl::test {
@@ -164,6 +159,17 @@ TEST_F(UtilFiles, LoadAndSaveCloseTheFile) {
     EXPECT_EQ(Descriptor(path_, O_RDONLY).fd(), before) << "a descriptor stayed open";
 }
 
+TEST_F(UtilFiles, LoadGoesOnAfterASignalAndAPartialRead) {
+    write(path_, octets(300));
+    bytes loaded;
+    {
+        const SlowIo slow(7);
+        loaded = Util::load(path_);
+        EXPECT_GT(slow.interruptions(), 40);
+    }
+    EXPECT_EQ(loaded, octets(300));
+}
+
 // Saving.
 
 TEST_F(UtilFiles, SaveCreatesAFile) {
@@ -209,81 +215,13 @@ TEST_F(UtilFiles, SaveSaysNothingWhereItCannotWrite) {
     EXPECT_NO_THROW(Util::save("/dev/full", octets(10)));
 }
 
-// A signal wakes a write that waits for room in a pipe; nothing may be lost by it.
-
-std::atomic<int> signalsHandled{0};
-
-void countSignal(int) {
-    ++signalsHandled;
-}
-
-class CountedSignal {
-public:
-    CountedSignal() {
-        struct sigaction counting {};
-        counting.sa_handler = countSignal;  // without SA_RESTART
-        ::sigaction(SIGUSR1, &counting, &before_);
-        signalsHandled = 0;
-    }
-    ~CountedSignal() { ::sigaction(SIGUSR1, &before_, nullptr); }
-    CountedSignal(const CountedSignal&) = delete;
-    CountedSignal& operator=(const CountedSignal&) = delete;
-
-private:
-    struct sigaction before_ {};
-};
-
-bool isWaiting(long thread) {
-    std::ifstream stat("/proc/self/task/" + std::to_string(thread) + "/stat");
-    std::string text;
-    std::getline(stat, text);
-    const std::size_t at = text.rfind(") ");
-    return at != std::string::npos && text[at + 2] == 'S';
-}
-
-TEST_F(UtilFiles, SaveGoesOnAfterASignal) {
-    if (!fs::exists("/proc/self/task")) {
-        GTEST_SKIP() << "no /proc/self/task";
-    }
-    ASSERT_EQ(::mkfifo(path_.c_str(), 0600), 0);
-    const Descriptor pipe(path_, O_RDWR | O_NONBLOCK);
-    bytes filling(65536);
-    std::size_t filled = 0;
-    for (ssize_t n = 0; (n = ::write(pipe.fd(), filling.data(), filling.size())) > 0;) {
-        filled += static_cast<std::size_t>(n);
-    }
-
-    const CountedSignal counted;
-    std::atomic<long> threadNumber{0};
-    std::atomic<bool> finished{false};
-    std::thread saving([&] {
-        threadNumber = ::syscall(SYS_gettid);
+TEST_F(UtilFiles, SaveGoesOnAfterASignalAndAPartialWrite) {
+    {
+        const SlowIo slow(7);
         Util::save(path_, octets(300));
-        finished = true;
-    });
-    for (int round = 1; round <= 3; ++round) {
-        while (!finished && (threadNumber == 0 || !isWaiting(threadNumber))) {
-            std::this_thread::yield();
-        }
-        ::pthread_kill(saving.native_handle(), SIGUSR1);
-        while (!finished && signalsHandled < round) {
-            std::this_thread::yield();
-        }
+        EXPECT_GT(slow.interruptions(), 40);
     }
-    EXPECT_FALSE(finished) << "there was no room for the data yet";
-    for (std::size_t drained = 0; drained < filled;) {
-        const std::size_t most = std::min(filling.size(), filled - drained);
-        const ssize_t n = ::read(pipe.fd(), filling.data(), most);
-        ASSERT_GT(n, 0);
-        drained += static_cast<std::size_t>(n);
-    }
-    saving.join();
-
-    bytes saved(301);
-    const ssize_t n = ::read(pipe.fd(), saved.data(), saved.size());
-    ASSERT_EQ(n, 300);
-    saved.resize(300);
-    EXPECT_EQ(saved, octets(300));
+    EXPECT_EQ(contentOf(path_), octets(300));
 }
 
 // Removing.
@@ -366,6 +304,15 @@ TEST_F(InstrumentationFile, IsNamedAfterItsRootAndTheTime) {
     EXPECT_EQ(contentOf("/tmp/" + nameOf(0)), octets(300));
     EXPECT_EQ(contentOf(path), octets(100));
     EXPECT_EQ(files().size(), 3U);
+}
+
+TEST_F(InstrumentationFile, IsWrittenWholeInSpiteOfSignals) {
+    std::string path;
+    {
+        const SlowIo slow(7);
+        path = Util::saveInstrumentationFile(root_, octets(300));
+    }
+    EXPECT_EQ(contentOf(path), octets(300));
 }
 
 TEST_F(InstrumentationFile, OfNoDataIsEmpty) {

@@ -1,0 +1,142 @@
+#include "tarvik/crypto/VorlCryptoFactory.h"
+
+#include "GroupedDigits.h"
+#include "messageOf.h"
+#include "octets.h"
+#include "raw_openssl.h"
+#include "vorl/NullCipher.h"
+#include "vorl/SoftwareKeyCipher.h"
+#include "vorl/VORLException.h"
+
+#include <tarvik/crypto/IRequestSigner.h>
+#include <tarvik/http/IHttpStream.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <typeinfo>
+
+namespace vorl::test {
+
+namespace {
+
+using tarvik::crypto::ICipherContext;
+using tarvik::crypto::VorlCryptoFactory;
+using tarvik::http::IHttpStream;
+
+const bytes KEY = octets(16);
+const char NOT_INITIALIZED[] = "VorlCryptoFactory must be initialized before use";
+
+ICipherContext::Spec spec(unsigned int number) {
+    return static_cast<ICipherContext::Spec>(number);
+}
+
+class VorlCryptoFactoryTest : public ::testing::Test {
+protected:
+    void SetUp() override { VorlCryptoFactory::init(); }
+    void TearDown() override { VorlCryptoFactory::cleanup(); }
+};
+
+class Response : public IHttpStream {
+public:
+    unsigned int status() const override { return 200; }
+    const Fields& fields() const override { return fields_; }
+    const bytes& body() const override { return body_; }
+    const Request* request() const override { return nullptr; }
+
+private:
+    Fields fields_;
+    bytes body_;
+};
+
+}  // namespace
+
+TEST_F(VorlCryptoFactoryTest, MakesACipherForEachSpec) {
+    for (const unsigned int number : {0U, 1U, 2U}) {
+        const auto [cipher, signer] = VorlCryptoFactory::cryptContext(spec(number), KEY);
+        ASSERT_NE(cipher, nullptr);
+        ASSERT_NE(signer, nullptr);
+        EXPECT_EQ(static_cast<unsigned int>(cipher->id()), number);
+        ICipherContext& made = *cipher;
+        EXPECT_TRUE(typeid(made) == (number == 0 ? typeid(NullCipher) : typeid(SoftwareKeyCipher)));
+    }
+}
+
+TEST_F(VorlCryptoFactoryTest, CiphersWorkWithTheKey) {
+    const auto ecb = VorlCryptoFactory::cryptContext(ICipherContext::SPEC_AES_128_ECB, KEY).first;
+    ecb->encryptInit({});
+    const bytes ecbStart = ecb->update(octets(20));
+    EXPECT_EQ(ecbStart + ecb->final(), rawEncrypt(KEY, {}, octets(20)));
+
+    const auto cbc = VorlCryptoFactory::cryptContext(ICipherContext::SPEC_AES_128_CBC, KEY).first;
+    cbc->encryptInit(octets(16));
+    const bytes cbcStart = cbc->update(octets(20));
+    EXPECT_EQ(cbcStart + cbc->final(), rawEncrypt(KEY, octets(16), octets(20)));
+
+    const auto null = VorlCryptoFactory::cryptContext(ICipherContext::SPEC_NULL, KEY).first;
+    null->encryptInit({});
+    EXPECT_EQ(null->update(octets(20)), octets(20));
+}
+
+TEST_F(VorlCryptoFactoryTest, MakesNewContextsEachTime) {
+    const auto one = VorlCryptoFactory::cryptContext(ICipherContext::SPEC_AES_128_CBC, KEY);
+    const auto other = VorlCryptoFactory::cryptContext(ICipherContext::SPEC_AES_128_CBC, KEY);
+    EXPECT_NE(one.first, other.first);
+}
+
+TEST_F(VorlCryptoFactoryTest, TakesAnyKey) {
+    for (const unsigned int number : {0U, 1U, 2U}) {
+        for (const std::size_t size : {0U, 1U, 15U, 17U, 1000U}) {
+            EXPECT_NO_THROW(VorlCryptoFactory::cryptContext(spec(number), octets(size)));
+        }
+    }
+}
+
+TEST_F(VorlCryptoFactoryTest, RefusesAnUnknownSpec) {
+    const GroupedDigits grouped;
+    for (const unsigned int number : {3U, 4U, 12345U, 0x7fffffffU, 0x80000000U, 0xffffffffU}) {
+        EXPECT_EQ(messageOf<VORLException>([&] { VorlCryptoFactory::cryptContext(spec(number), KEY); }),
+                  "unknown cipher spec: " + std::to_string(number));
+    }
+}
+
+TEST_F(VorlCryptoFactoryTest, RefusesBeforeInitWhateverTheSpec) {
+    VorlCryptoFactory::cleanup();
+    for (const unsigned int number : {0U, 1U, 2U, 3U}) {
+        EXPECT_EQ(messageOf<VORLException>([&] { VorlCryptoFactory::cryptContext(spec(number), KEY); }),
+                  NOT_INITIALIZED);
+    }
+    VorlCryptoFactory::cleanup();
+    VorlCryptoFactory::init();
+    VorlCryptoFactory::init();
+    EXPECT_NO_THROW(VorlCryptoFactory::cryptContext(spec(0), KEY));
+    VorlCryptoFactory::cleanup();
+    EXPECT_EQ(messageOf<VORLException>([] { VorlCryptoFactory::cryptContext(spec(0), KEY); }),
+              NOT_INITIALIZED);
+}
+
+TEST_F(VorlCryptoFactoryTest, ContextsOutliveACleanup) {
+    const auto [cipher, signer] = VorlCryptoFactory::cryptContext(ICipherContext::SPEC_AES_128_ECB, KEY);
+    VorlCryptoFactory::cleanup();
+    cipher->encryptInit({});
+    const bytes start = cipher->update(octets(20));
+    EXPECT_EQ(start + cipher->final(), rawEncrypt(KEY, {}, octets(20)));
+    EXPECT_NE(signer, nullptr);
+}
+
+// A refusal, so that an unsigned request is never taken for a signed one.
+TEST_F(VorlCryptoFactoryTest, SignerRefusesToSignAndToVerify) {
+    for (const unsigned int number : {0U, 1U, 2U}) {
+        const auto signer = VorlCryptoFactory::cryptContext(spec(number), KEY).second;
+        IHttpStream::Request request{"POST", "http://example.com/", {{"Host", "example.com"}}, octets(3)};
+        Response response;
+        EXPECT_EQ(messageOf<VORLException>([&] { signer->sign("key", request); }),
+                  "request signing is not available in this build");
+        EXPECT_EQ(request.fields.size(), 1U);
+        EXPECT_EQ(request.body, octets(3));
+        EXPECT_EQ(messageOf<VORLException>([&] { signer->verify("key", response); }),
+                  "request signing is not available in this build");
+    }
+}
+
+}  // namespace vorl::test

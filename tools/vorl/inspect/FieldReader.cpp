@@ -80,24 +80,30 @@ std::optional<FieldReader::Fragment> FieldReader::readLength(const std::string& 
         return std::nullopt;
     }
     const unsigned char head = in_.get();
-    const bool isLong = (head & 0xc0) == 0x80;
-    const bool isLast = head < 0xc0;
-    const unsigned int multiple = head & 0x3fU;
-    const unsigned int shown = number > 1 || !isLast ? number : 0;
-    if ((isLong && atEnd()) || (!isLast && (multiple < 1 || multiple > 4))) {
-        addField(begin, name + ".length", shown, isLong ? "cut short" : "no length");
-        setProblem(begin, isLong ? "the length of the " + name + " has two bytes, and the second is missing"
-                                 : "0x" + Util::toHexString(head) + " is no length");
-        return std::nullopt;
+    const unsigned int low = head & 0x3fU;
+    if (head < 0x80) {
+        return addLength(begin, name, number, {head, true}, "");
     }
-    std::uint64_t octets = isLast ? head : multiple * FRAGMENT_UNIT;
-    if (isLong) {
-        octets = multiple << 8 | in_.get();
+    if (head < 0xc0 && !atEnd()) {
+        const std::uint64_t octets = low << 8 | in_.get();
+        return addLength(begin, name, number, {octets, true},
+                         octets < 0x80 ? ", written longer than needed" : "");
     }
-    addField(begin, name + ".length", shown,
-             octetsText(octets) + (isLast ? "" : ", more follow") +
-                 (isLong && octets < 0x80 ? ", written longer than needed" : ""));
-    return Fragment{octets, isLast};
+    if (low >= 1 && low <= 4 && head >= 0xc0) {
+        return addLength(begin, name, number, {low * FRAGMENT_UNIT, false}, ", more follow");
+    }
+    addField(begin, name + ".length", number > 1 ? number : 0, "no length");
+    setProblem(begin, head < 0xc0 ? "the length of the " + name + " has two bytes, and the second is missing"
+                                  : "0x" + Util::toHexString(head) + " is no length");
+    return std::nullopt;
+}
+
+FieldReader::Fragment FieldReader::addLength(std::uint64_t begin, const std::string& name,
+                                             unsigned int number, const Fragment& fragment,
+                                             const std::string& remark) {
+    const bool isFragmented = number > 1 || !fragment.last;
+    addField(begin, name + ".length", isFragmented ? number : 0, octetsText(fragment.octets) + remark);
+    return fragment;
 }
 
 bool FieldReader::readContent(const std::string& name, unsigned int number, std::uint64_t octets,

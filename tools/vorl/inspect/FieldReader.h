@@ -37,6 +37,8 @@ private:
         bool last;
     };
     std::optional<Fragment> readLength(const std::string& name, unsigned int number, std::uint64_t before);
+    Fragment addLength(std::uint64_t begin, const std::string& name, unsigned int number,
+                       const Fragment& fragment, const std::string& remark);
     bool readContent(const std::string& name, unsigned int number, std::uint64_t octets,
                      const std::string& meaning);
     void addField(std::uint64_t begin, const std::string& name, unsigned int fragment,

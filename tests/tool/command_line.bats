@@ -1,0 +1,71 @@
+#!/usr/bin/env bats
+# What all commands have in common: help, version, and wrong usage.
+
+load support
+
+COMMANDS="protect unprotect inspect doctor"
+
+@test "without a command, the usage is wrong" {
+    refuses 2 "a command is needed" "'vorl --help' lists the commands" vorl
+}
+
+@test "an unknown command is refused by its name" {
+    refuses 2 "The following argument was not expected: frobnicate" "'vorl --help' shows the usage" vorl frobnicate
+}
+
+@test "--help lists the commands and exit statuses on standard output" {
+    succeeds vorl --help
+    for command in $COMMANDS; do
+        contains "$output" $'\n'"  $command "
+    done
+    contains "$output" "Exit status: 0 success, 1 refused by the policy, 2 wrong usage"
+}
+
+@test "each command has its own --help" {
+    for command in $COMMANDS; do
+        succeeds vorl "$command" --help
+        contains "$output" "Usage: vorl $command "
+        succeeds vorl "$command" -h
+    done
+}
+
+@test "--version names vorl and the OpenSSL that runs, for each command too" {
+    for command in "" $COMMANDS; do
+        # shellcheck disable=SC2086
+        succeeds vorl $command --version
+        equals "${lines[0]}" "vorl $VORL_VERSION"
+        contains "${lines[1]}" "OpenSSL "
+        equals "${#lines[@]}" 2
+    done
+}
+
+@test "an unknown option is refused, and the hint names the command" {
+    for command in $COMMANDS; do
+        refuses 2 "The following argument was not expected: --frobnicate" "'vorl $command --help' shows the usage" \
+            vorl "$command" --frobnicate
+    done
+}
+
+@test "a second input is refused" {
+    refuses 2 "The following argument was not expected: b" "'vorl inspect --help' shows the usage" vorl inspect a b
+}
+
+@test "an option without its value is refused" {
+    refuses 2 "--output: 1 required FILE missing" "'vorl protect --help' shows the usage" vorl protect -k key -o
+}
+
+@test "a file may have the name of a command" {
+    printf hello >inspect
+    succeeds vorl protect --level none inspect
+    equals "$output" "AAVoZWxsbw=="
+}
+
+@test "a file whose name begins with a dash stands behind --" {
+    printf hello >-x
+    succeeds vorl protect --level none -- -x
+    equals "$output" "AAVoZWxsbw=="
+}
+
+@test "control characters of a file name do not reach the terminal" {
+    refuses 3 "cannot read 'a?b?[31m': No such file or directory" "" vorl inspect $'a\nb\e[31m'
+}

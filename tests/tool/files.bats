@@ -1,0 +1,140 @@
+#!/usr/bin/env bats
+# -o FILE: whole or not at all, with the right mode, and nothing left behind.
+
+load support
+
+protect_to() {
+    vorl protect --level none key -o "$1"
+}
+
+@test "a protected message may be read by whom the umask lets" {
+    for mask in 022 027 077 002; do
+        rm -f out
+        umask $mask
+        protect_to out
+        equals "$(stat -c %a out)" "$(printf '%o' $((0666 & ~0$mask)))"
+    done
+}
+
+@test "an opened message may be read by its owner only" {
+    protect_to text
+    umask 000
+    vorl unprotect --accept none text -o out
+    equals "$(stat -c %a out)" 600
+}
+
+@test "a file that was open to others is closed when a secret replaces it" {
+    protect_to text
+    touch out
+    chmod 666 out
+    vorl unprotect --accept none text -o out
+    equals "$(stat -c %a out)" 600
+    cmp out key
+}
+
+@test "an existing file is replaced, not written into" {
+    echo old >out
+    ln out other
+    protect_to out
+    equals "$(cat other)" old
+    run ! cmp -s out other
+    equals "$(left_behind . key out other)" ""
+}
+
+@test "the input may be the output" {
+    cp key file
+    vorl protect -k key file -o file
+    vorl unprotect -k key file -o file
+    cmp file key
+}
+
+@test "a link is followed" {
+    mkdir folder
+    echo old >folder/file
+    ln -s folder/file link
+    protect_to link
+    [ -L link ]
+    equals "$(vorl unprotect --accept none folder/file)" "$KEY_HEX"
+    equals "$(left_behind folder file)" ""
+}
+
+@test "nothing is written, nor left behind, when the run fails" {
+    mkdir folder
+    echo old >folder/out
+    octets 0210 >broken
+    run vorl unprotect -k key --raw broken -o folder/out
+    equals "$status" 3
+    run vorl protect -k key missing -o folder/new
+    equals "$status" 3
+    equals "$(cat folder/out)" old
+    equals "$(left_behind folder out)" ""
+}
+
+@test "a directory is not written to" {
+    mkdir folder
+    for path in folder folder/ .; do
+        refuses 5 "cannot write '$path': it is a directory" "" protect_to $path
+    done
+    equals "$(left_behind folder '')" ""
+}
+
+@test "a folder that is not there is told" {
+    refuses 5 "cannot write 'missing/out': No such file or directory" "" protect_to missing/out
+    refuses 5 "cannot write 'key/out': Not a directory" "" protect_to key/out
+    refuses 5 "cannot write '': No such file or directory" "" protect_to ""
+    equals "$(left_behind . key)" ""
+}
+
+@test "a folder that may not be written is told" {
+    needs_unprivileged
+    mkdir folder
+    echo old >folder/out
+    chmod 555 folder
+    for path in folder/out folder/new; do
+        refuses 5 "cannot write '$path': Permission denied" "" \
+            unprivileged "$VORL" protect --level none key -o $path
+    done
+    equals "$(cat folder/out)" old
+    equals "$(left_behind folder out)" ""
+}
+
+@test "a full device is told" {
+    refuses 5 "cannot write '/dev/full': No space left on device" "" protect_to /dev/full
+}
+
+@test "a device is written to, not replaced" {
+    succeeds protect_to /dev/null
+    [ -c /dev/null ]
+}
+
+@test "a pipe with a name is written to, not replaced" {
+    mkfifo pipe
+    cat pipe >received &
+    protect_to pipe
+    wait $!
+    [ -p pipe ]
+    equals "$(vorl unprotect --accept none received)" "$KEY_HEX"
+    equals "$(left_behind . key pipe received)" ""
+}
+
+@test "a file that grows past a limit leaves the old one in place" {
+    mkdir folder
+    echo old >folder/out
+    bytes_of 100000 >message
+    limited() {
+        (
+            ulimit -f 4
+            exec "$VORL" protect -k key message -o folder/out
+        )
+    }
+    refuses 5 "cannot write 'folder/out': File too large" "" limited
+    equals "$(cat folder/out)" old
+    equals "$(left_behind folder out)" ""
+}
+
+@test "a name of the greatest length works" {
+    local name
+    name=$(printf 'n%.0s' {1..255})
+    succeeds protect_to "$name"
+    equals "$(vorl unprotect --accept none "$name")" "$KEY_HEX"
+}

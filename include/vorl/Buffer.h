@@ -28,8 +28,8 @@ public:
     /// A buffer that holds the given bytes, ready to be read. A list of octets is written Buffer(bytes{...}):
     /// by itself, a list of one number would be taken for a size.
     Buffer(const unsigned char* p, unsigned int n);
-    Buffer(const bytes& v);
-    Buffer(bytes&& v);
+    Buffer(const bytes& v);  // NOLINT(google-explicit-constructor): bytes are as good as a buffer of them
+    Buffer(bytes&& v);       // NOLINT(google-explicit-constructor)
 
     Buffer(const Buffer&) = default;
     /// A buffer that was moved from is empty.

@@ -14,7 +14,6 @@ class CipherSpec;
 /// A cipher context bound to a CipherSpec.
 class VORL_API Cipher : public tarvik::crypto::ICipherContext {
 public:
-    ~Cipher() override;
     /// The spec's identifier.
     Spec id() override;
 

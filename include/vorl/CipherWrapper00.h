@@ -9,7 +9,6 @@ namespace vorl {
 class VORL_API CipherWrapper00 : public CipherWrapper {
 public:
     explicit CipherWrapper00(const std::string& name);
-    ~CipherWrapper00() override;
 
     /// Uses neither `ctx` nor the registry. Throws std::length_error where the envelope would pass 2^32 - 1
     /// bytes.

@@ -9,7 +9,6 @@ namespace vorl {
 class VORL_API CipherWrapper01 : public CipherWrapper {
 public:
     explicit CipherWrapper01(const std::string& name);
-    ~CipherWrapper01() override;
 
     unsigned char id() const override;
     /// Final, since the version byte stands for this spec alone.

@@ -9,7 +9,6 @@ namespace vorl {
 class VORL_API CipherWrapper02 : public CipherWrapper {
 public:
     explicit CipherWrapper02(const std::string& name);
-    ~CipherWrapper02() override;
 
     unsigned char id() const override;
     /// Final, since the version byte stands for this spec alone.

@@ -42,15 +42,15 @@ public:
 private:
     friend class Util;
 
-    Env();
+    Env() = default;
     ~Env() = default;
 
     static constexpr const char* insDir_ = "/tmp/";
 
-    std::string fmtSeparator_;
-    unsigned int fmtLevel_;
-    unsigned int fmtIndentSize_;
-    unsigned int fmtWidth_;
+    std::string fmtSeparator_ = ":";
+    unsigned int fmtLevel_ = 1;
+    unsigned int fmtIndentSize_ = 4;
+    unsigned int fmtWidth_ = 80;
 };
 
 }  // namespace vorl

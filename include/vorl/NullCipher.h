@@ -10,7 +10,6 @@ namespace vorl {
 class VORL_API NullCipher : public Cipher {
 public:
     NullCipher();
-    ~NullCipher() override;
 
     void encryptInit(const bytes& iv) override;
     void decryptInit(const bytes& iv) override;

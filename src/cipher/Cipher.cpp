@@ -6,8 +6,6 @@
 
 namespace vorl {
 
-Cipher::~Cipher() = default;
-
 Cipher::Spec Cipher::id() {
     return spec_->spec;
 }

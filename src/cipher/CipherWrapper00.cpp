@@ -12,8 +12,6 @@ namespace vorl {
 
 CipherWrapper00::CipherWrapper00(const std::string& name) : CipherWrapper(name, CipherSpec::NULL_CIPHER()) {}
 
-CipherWrapper00::~CipherWrapper00() = default;
-
 bytes CipherWrapper00::encrypt(const bytes& data, tarvik::crypto::ICipherContext& /*ctx*/) const {
     bytes envelope = beginEnvelope(id(), bytes(), data.size());
     BodyWriter(envelope, data.size()).append(data);

@@ -7,8 +7,6 @@ namespace vorl {
 CipherWrapper01::CipherWrapper01(const std::string& name)
     : CipherWrapper(name, CipherSpec::AES_128_ECB_PKCS5()) {}
 
-CipherWrapper01::~CipherWrapper01() = default;
-
 unsigned char CipherWrapper01::id() const {
     return 0x01;
 }

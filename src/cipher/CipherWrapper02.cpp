@@ -7,8 +7,6 @@ namespace vorl {
 CipherWrapper02::CipherWrapper02(const std::string& name)
     : CipherWrapper(name, CipherSpec::AES_128_CBC_PKCS5()) {}
 
-CipherWrapper02::~CipherWrapper02() = default;
-
 unsigned char CipherWrapper02::id() const {
     return 0x02;
 }

@@ -6,8 +6,6 @@ namespace vorl {
 
 NullCipher::NullCipher() : Cipher(CipherSpec::NULL_CIPHER()) {}
 
-NullCipher::~NullCipher() = default;
-
 void NullCipher::encryptInit(const bytes& /*iv*/) {}
 
 void NullCipher::decryptInit(const bytes& /*iv*/) {}

@@ -30,6 +30,4 @@ bool Env::getInstrumentation(Component c) {
     return entry != switches.end() && entry->second;
 }
 
-Env::Env() : fmtSeparator_(":"), fmtLevel_(1), fmtIndentSize_(4), fmtWidth_(80) {}
-
 }  // namespace vorl

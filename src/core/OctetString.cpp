@@ -13,13 +13,10 @@ const char TOO_LONG[] = "OctetString: more than 2^32-1 octets";
 
 }  // namespace
 
-OctetString::OctetString(const bytes& v) {
-    setVal(v);
-}
+OctetString::OctetString(const bytes& v) : OctetString(bytes(v)) {}
 
-OctetString::OctetString(bytes&& v) {
-    index32(v.size(), TOO_LONG);
-    val_ = std::move(v);
+OctetString::OctetString(bytes&& v) : val_(std::move(v)) {
+    index32(val_.size(), TOO_LONG);
 }
 
 std::string OctetString::toFormatString(const std::string& name, unsigned int width, unsigned int level,

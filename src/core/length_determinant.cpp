@@ -37,7 +37,7 @@ void refuseShortContent(std::uint64_t announced, std::uint64_t available) {
 }
 
 std::uint64_t encodedBlockSize(std::uint64_t octets) {
-    const std::uint64_t fullFragment = MAX_FRAGMENT_MULTIPLE * LONG_FORM_LIMIT;
+    const std::uint64_t fullFragment = std::uint64_t{MAX_FRAGMENT_MULTIPLE} * LONG_FORM_LIMIT;
     const std::uint64_t full = octets / fullFragment;
     std::uint64_t size = full * (fullFragment + 1);
     // What is left needs two fragments at the most: a multiple of 16384 octets and a last one.

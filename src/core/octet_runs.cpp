@@ -23,7 +23,7 @@ OctetRun passOver(Buffer& in, const Fragment& fragment) {
 OctetRuns::OctetRuns(Buffer& in) {
     Fragment fragment = readFragment(in);
     first_ = passOver(in, fragment);
-    octets_ = first_.octets;
+    octets_ += first_.octets;
     if (!fragment.last) {
         // Room for all at once: every fragment but the last holds this much at the least.
         further_.reserve((in.widx() - in.ridx()) / LONG_FORM_LIMIT + 1);

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <type_traits>
+#include <typeinfo>
 
 // Devices are built against the order of the virtual operations: a call goes through its slot's number, so
 // that one that moves makes an old device call another one.
@@ -52,31 +53,35 @@ TEST(SlotOrder, ASN1PrimitiveAddsItsCodingAfterTheDestructor) {
 }
 
 template <typename Class>
-class SlotOrderOfFields : public ::testing::Test {};
+void expectTheSlotsOfAField() {
+    SCOPED_TRACE(typeid(Class).name());
+    EXPECT_EQ(vtableSlot(&Class::toFormatString), 0);
+    EXPECT_EQ(vtableSlot(&Class::toString), 1);
+    EXPECT_EQ(vtableSlot(&Class::encode), 4);
+    EXPECT_EQ(vtableSlot(&Class::decode), 5);
+}
 
-using FieldClasses = ::testing::Types<UInt8, UInt16, UInt32, ASN1BlockEncodable, OctetString>;
-TYPED_TEST_SUITE(SlotOrderOfFields, FieldClasses);
-
-TYPED_TEST(SlotOrderOfFields, IsThatOfTheBase) {
-    EXPECT_EQ(vtableSlot(&TypeParam::toFormatString), 0);
-    EXPECT_EQ(vtableSlot(&TypeParam::toString), 1);
-    EXPECT_EQ(vtableSlot(&TypeParam::encode), 4);
-    EXPECT_EQ(vtableSlot(&TypeParam::decode), 5);
+TEST(SlotOrder, OfTheFixedWidthFieldsIsThatOfTheBase) {
+    expectTheSlotsOfAField<UInt8>();
+    expectTheSlotsOfAField<UInt16>();
+    expectTheSlotsOfAField<UInt32>();
 }
 
 template <typename Class>
-class SlotOrderOfBlocks : public ::testing::Test {};
+void expectTheSlotsOfABlock() {
+    expectTheSlotsOfAField<Class>();
+    SCOPED_TRACE(typeid(Class).name());
+    EXPECT_EQ(vtableSlot(&Class::unitSize), 6);
+    EXPECT_EQ(vtableSlot(&Class::unitLength), 7);
+    EXPECT_EQ(vtableSlot(&Class::byteLength), 8);
+    EXPECT_EQ(vtableSlot(&Class::getName), 9);
+    EXPECT_EQ(vtableSlot(&Class::setVal), 10);
+    EXPECT_EQ(vtableSlot(&Class::toByteArray), 11);
+}
 
-using BlockClasses = ::testing::Types<ASN1BlockEncodable, OctetString>;
-TYPED_TEST_SUITE(SlotOrderOfBlocks, BlockClasses);
-
-TYPED_TEST(SlotOrderOfBlocks, GoesOnWithSizesNameAndContent) {
-    EXPECT_EQ(vtableSlot(&TypeParam::unitSize), 6);
-    EXPECT_EQ(vtableSlot(&TypeParam::unitLength), 7);
-    EXPECT_EQ(vtableSlot(&TypeParam::byteLength), 8);
-    EXPECT_EQ(vtableSlot(&TypeParam::getName), 9);
-    EXPECT_EQ(vtableSlot(&TypeParam::setVal), 10);
-    EXPECT_EQ(vtableSlot(&TypeParam::toByteArray), 11);
+TEST(SlotOrder, OfBlocksGoesOnWithSizesNameAndContent) {
+    expectTheSlotsOfABlock<ASN1BlockEncodable>();
+    expectTheSlotsOfABlock<OctetString>();
 }
 
 // Of what its base implements, an octet string overrides the printing only.

@@ -106,7 +106,8 @@ std::string Util::toFormatHexString(const unsigned char* p, unsigned int len, co
         return text + ":  (NULL)";
     }
 
-    const std::uint64_t hexLength = (std::uint64_t{len} - 1) * separator.size() + std::uint64_t{len} * 2;
+    const std::uint64_t separators = len - 1;
+    const std::uint64_t hexLength = separators * separator.size() + std::uint64_t{len} * 2;
     if (indentLength + name.size() + 3 + hexLength < width) {
         text += ":  ";
         appendHex(text, p, len, separator);

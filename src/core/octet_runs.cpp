@@ -36,7 +36,8 @@ OctetRuns::OctetRuns(Buffer& in) {
 }
 
 void OctetRuns::copyFrom(const Buffer& in, unsigned char* dst) const {
-    forEach([&](const OctetRun& run) { dst = std::copy_n(in.data_.data() + run.offset, run.octets, dst); });
+    unsigned char* to = dst;
+    forEach([&](const OctetRun& run) { to = std::copy_n(in.data_.data() + run.offset, run.octets, to); });
 }
 
 bytes OctetRuns::joinIn(bytes store) const {

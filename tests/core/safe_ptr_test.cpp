@@ -155,19 +155,23 @@ TYPED_TEST(SafePtr, PassesANullPointerOn) {
     EXPECT_EQ(this->liveBlocks(), 0);
 }
 
+// Whether it failed for want of memory, as it should when there is none for the shared count.
+template <typename Object>
+bool cannotBeShared(Object* object) {
+    const OperatorNew failing(0);
+    try {
+        safe_ptr(object);
+    } catch (const std::bad_alloc&) {
+        return true;
+    }
+    return false;
+}
+
 TYPED_TEST(SafePtr, FreesTheObjectOnceWhereItCannotBeShared) {
     auto* const object = TypeParam::make();
     FreeWatch watch(object);
-    bool refused = false;
-    {
-        const OperatorNew failing(0);
-        try {
-            safe_ptr(object);
-        } catch (const std::bad_alloc&) {
-            refused = true;
-        }
-    }
-    EXPECT_TRUE(refused);
+
+    EXPECT_TRUE(cannotBeShared(object));
     EXPECT_EQ(watch.frees(), 1);
     EXPECT_EQ(this->liveBlocks(), 0) << "a part of the object was not freed";
 }
@@ -185,6 +189,21 @@ TYPED_TEST(SafePtrOfCounted, GivesUpOneOfTheOwnersThatOpenSSLCounts) {
 
     safe_ptr(object).reset();
     EXPECT_EQ(watch.frees(), 0) << "another owner is left";
+    EXPECT_GT(this->liveBlocks(), 0);
+
+    TypeParam::free(object);
+    EXPECT_EQ(watch.frees(), 1);
+    EXPECT_EQ(this->liveBlocks(), 0);
+}
+
+// A second free would go unnoticed by an object that nobody owns any more, but not by its other owner.
+TYPED_TEST(SafePtrOfCounted, GivesUpOneOfTheOwnersWhereItCannotBeShared) {
+    auto* const object = TypeParam::make();
+    FreeWatch watch(object);
+    ASSERT_EQ(TypeParam::upRef(object), 1);
+
+    EXPECT_TRUE(cannotBeShared(object));
+    EXPECT_EQ(watch.frees(), 0) << "freed twice";
     EXPECT_GT(this->liveBlocks(), 0);
 
     TypeParam::free(object);

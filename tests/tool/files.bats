@@ -109,7 +109,7 @@ protect_to() {
 
 @test "a pipe with a name is written to, not replaced" {
     mkfifo pipe
-    cat pipe >received &
+    cat pipe >received 3>&- &
     protect_to pipe
     wait $!
     [ -p pipe ]

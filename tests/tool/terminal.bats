@@ -61,10 +61,10 @@ vorl: hint: $INSIST"
     export TERM=xterm
     unset NO_COLOR
     in_terminal "'$VORL' doctor"
-    contains "$output" "$ESCAPE[32mok   $ESCAPE[0m  openssl: "
+    contains "$output" "${ESCAPE}[32mok   ${ESCAPE}[0m  openssl: "
     in_terminal "'$VORL' inspect malformed 2>/dev/null"
-    contains "$output" "$ESCAPE[1moffset  length  field"
-    contains "$output" "$ESCAPE[1;31mmalformed$ESCAPE[0m at 1: "
+    contains "$output" "${ESCAPE}[1moffset  length  field"
+    contains "$output" "${ESCAPE}[1;31mmalformed${ESCAPE}[0m at 1: "
 }
 
 @test "there is no colour where NO_COLOR is set, the terminal is dumb, or it is none" {
@@ -82,5 +82,5 @@ vorl: hint: $INSIST"
 
 @test "an empty NO_COLOR refuses nothing" {
     in_terminal "env TERM=xterm NO_COLOR= '$VORL' doctor"
-    contains "$output" "$ESCAPE[32m"
+    contains "$output" "${ESCAPE}[32m"
 }

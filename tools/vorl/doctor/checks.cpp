@@ -15,6 +15,7 @@
 #include <tarvik/crypto/VorlCryptoFactory.h>
 
 #include <climits>
+#include <cstring>
 #include <ctime>
 
 namespace vorl::tool {
@@ -77,7 +78,7 @@ std::vector<Finding> runChecks() {
 }
 
 std::string checkOpenSSL() {
-    const std::string versions =
+    std::string versions =
         std::string("built with ") + OPENSSL_VERSION_TEXT + ", runs with " + OpenSSL_version(OPENSSL_VERSION);
     // The first four bits are the major version.
     const unsigned long built = OPENSSL_VERSION_NUMBER;
@@ -130,12 +131,13 @@ std::string checkBase64() {
 
 std::string checkMachine() {
     const std::uint32_t number = 0x01020304;
-    const bool isLittleEndian = *reinterpret_cast<const unsigned char*>(&number) == 0x04;
+    unsigned char lowest = 0;
+    std::memcpy(&lowest, &number, sizeof lowest);
     Buffer out;
     out.put(UInt32(number));
     expect(out.toByteArray() == bytes{1, 2, 3, 4}, "numbers are not written with their high byte first");
     expect(CHAR_BIT == 8 && sizeof(std::time_t) >= 4, "bytes or time stamps have an unknown size");
-    return std::to_string(sizeof(void*) * CHAR_BIT) + "-bit words, " + (isLittleEndian ? "low" : "high") +
+    return std::to_string(sizeof(void*) * CHAR_BIT) + "-bit words, " + (lowest == 0x04 ? "low" : "high") +
            " byte first; time stamps of " + std::to_string(sizeof(std::time_t) * CHAR_BIT) + " bits" +
            (sizeof(std::time_t) > 4 ? "" : ", which end in January 2038");
 }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
+#include <system_error>
 
 #include <poll.h>
 #include <unistd.h>
@@ -59,7 +59,7 @@ std::ptrdiff_t readSome(int fd, void* data, std::size_t size) {
 }
 
 std::string systemText(int error) {
-    return error == EBADF ? "it is not open" : std::strerror(error);
+    return error == EBADF ? "it is not open" : std::generic_category().message(error);
 }
 
 }  // namespace vorl::tool

@@ -34,11 +34,11 @@ TemporaryFile::HeldSignals::HeldSignals() : before_() {
     for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
         sigaddset(&ending, signal);
     }
-    sigprocmask(SIG_BLOCK, &ending, &before_);
+    pthread_sigmask(SIG_BLOCK, &ending, &before_);
 }
 
 TemporaryFile::HeldSignals::~HeldSignals() {
-    sigprocmask(SIG_SETMASK, &before_, nullptr);
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
 TemporaryFile::TemporaryFile(const std::string& target)

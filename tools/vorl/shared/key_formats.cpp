@@ -18,27 +18,25 @@ struct Reading {
     SecretBytes key;
 };
 
-// The value of a hex digit, or -1.
-int digitValue(unsigned char c) {
-    if (c >= '0' && c <= '9') {
-        return c - '0';
-    }
-    const int lower = c | 0x20;
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+bool isHexDigit(unsigned char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+unsigned int digitValue(unsigned char hexDigit) {
+    // The letters stand apart from the digits, and their two cases differ in a bit above the value.
+    return hexDigit <= '9' ? hexDigit - '0' : (hexDigit & 0x0fU) + 9;
 }
 
 // Empty for what is not hex.
 SecretBytes decodeHex(const bytes& text) {
     const std::size_t size = sizeWithoutNewline(text);
     const auto end = text.begin() + static_cast<std::ptrdiff_t>(size);
-    const bool isHex = std::all_of(text.begin(), end, [](unsigned char c) { return digitValue(c) >= 0; });
-    if (!isHex || size % 2 != 0) {
+    if (size % 2 != 0 || !std::all_of(text.begin(), end, isHexDigit)) {
         return SecretBytes();
     }
-    bytes decoded;
-    decoded.reserve(size / 2);
-    for (std::size_t i = 0; i < size; i += 2) {
-        decoded.push_back(static_cast<unsigned char>(digitValue(text[i]) << 4 | digitValue(text[i + 1])));
+    bytes decoded(size / 2);
+    for (std::size_t i = 0; i < decoded.size(); ++i) {
+        decoded[i] = static_cast<unsigned char>(digitValue(text[2 * i]) << 4 | digitValue(text[2 * i + 1]));
     }
     return SecretBytes(std::move(decoded));
 }

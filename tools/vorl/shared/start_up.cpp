@@ -29,8 +29,8 @@ void prepareProcess() {
     occupyIfClosed(STDIN_FILENO, O_WRONLY);
     occupyIfClosed(STDOUT_FILENO, O_RDONLY);
     occupyIfClosed(STDERR_FILENO, O_RDONLY);
-    std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN);
+    static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
 }
 
 void startLibrary() {

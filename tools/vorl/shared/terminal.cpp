@@ -35,8 +35,8 @@ bool isShown(unsigned long codePoint) {
 }
 
 bool isColourful() {
-    const char* const refused = std::getenv("NO_COLOR");
-    const char* const terminal = std::getenv("TERM");
+    const char* const refused = secure_getenv("NO_COLOR");
+    const char* const terminal = secure_getenv("TERM");
     const bool isRefused = refused != nullptr && *refused != '\0';
     const bool isDumb = terminal == nullptr || std::string_view(terminal) == "dumb";
     return !isRefused && !isDumb && isTerminal(STDOUT_FILENO);

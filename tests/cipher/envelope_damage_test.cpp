@@ -68,11 +68,11 @@ struct Victim {
 
 const Victim VICTIMS[] = {
     {"NoneShort", NONE, 20, false},        {"NoneTwoByteLength", NONE, 200, false},
-    {"NoneFragments", NONE, 50000, false}, {"TestShort", TEST, 20, false},
-    {"TestForeign", TEST, 200, true},      {"TestFragments", TEST, 50000, false},
+    {"NoneFragments", NONE, 20000, false}, {"TestShort", TEST, 20, false},
+    {"TestForeign", TEST, 200, true},      {"TestFragments", TEST, 20000, false},
     {"FullEmpty", FULL, 0, false},         {"FullShort", FULL, 20, false},
     {"FullForeign", FULL, 200, true},      {"FullTwoByteLength", FULL, 200, false},
-    {"FullFragments", FULL, 50000, false}, {"FullFragmentsForeign", FULL, 50000, true},
+    {"FullFragments", FULL, 20000, false}, {"FullFragmentsForeign", FULL, 20000, true},
 };
 
 class DamagedEnvelope : public StartedLibrary, public ::testing::WithParamInterface<Victim> {
@@ -96,8 +96,8 @@ protected:
         const std::size_t body = GetParam().level == FULL ? 18 : 1;
         std::vector<std::size_t> places;
         for (std::size_t at = 0; at < envelope_.size(); ++at) {
-            // 50000 octets and more: one fragment of 49152, and a last one of less than 16384.
-            const std::size_t lastFragment = body + 1 + 49152;
+            // 20000 octets and more: one fragment of 16384, and a last one of less.
+            const std::size_t lastFragment = body + 1 + 16384;
             if (envelope_.size() < 1000 || at < body + 40 || at + 40 > envelope_.size() ||
                 (at + 20 > lastFragment && at < lastFragment + 20)) {
                 places.push_back(at);

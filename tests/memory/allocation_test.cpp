@@ -215,7 +215,7 @@ TEST_P(MessageAllocations, OfEncryptAreAtMostFour) {
 INSTANTIATE_TEST_SUITE_P(Messages, MessageAllocations, ::testing::ValuesIn(messageCases(false)), caseName);
 
 TEST_P(ReadableMessageAllocations, OfDecryptAreAtMostThree) {
-    const bytes text = rawBase64(expectedEnvelope(GetParam().level, KEY, IV, message_));
+    const bytes text = context_->encrypt(message_);
     for (int round = 0; round < 3; ++round) {
         bytes message;
         const Usage usage = usageOf([&] { message = context_->decrypt(text); });

@@ -209,7 +209,7 @@ TEST(Base64, EachInsertedCharacterIsRefused) {
 TEST(Base64, BlanksInALongTextAreRefusedWhereverTheyAre) {
     for (const std::size_t size : {12288U, 24576U, 36864U, 49152U, 49153U}) {
         const bytes text = rawBase64(octets(size));
-        for (const unsigned char blank : {' ', '\n', '-', '='}) {
+        for (const unsigned char blank : fromText(" \n-=")) {
             for (const std::size_t count : {1U, 4U, 5U}) {
                 for (std::size_t seam = 0; seam <= text.size(); seam += 4096) {
                     for (std::size_t at = seam < 8 ? 0 : seam - 8;

@@ -66,11 +66,15 @@ private:
 
     void start(const unsigned char* iv);
     bool setKey(const unsigned char* iv);
+    bool restart(const unsigned char* iv);
     bool feed(const unsigned char* data, std::size_t size, unsigned char* out, std::size_t& produced);
 
     // What the spec's mode says and what OpenSSL's cipher says need not agree in a spec of the caller's own.
     const bool ignoresIv;
     const bool feedsIv;
+    // OpenSSL's own AES has nothing to report when it is given another IV, so a mark in its error queue,
+    // which would cost as much as a third of the restart, is spared.
+    const bool restartsInSilence;
     int decrypting = 0;
     // One for each direction, indexed by `decrypting`. Naming a cipher and its key again for each message
     // costs OpenSSL eight times as much as restarting with an IV, and takes locks that all threads share.

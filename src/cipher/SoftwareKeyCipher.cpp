@@ -30,6 +30,10 @@ bool cipherTakesIv(const CipherSpec& spec) {
     return spec.evpCipher != nullptr && EVP_CIPHER_iv_length(spec.evpCipher) != 0;
 }
 
+bool isAes128(const CipherSpec& spec) {
+    return spec.evpCipher == EVP_aes_128_cbc() || spec.evpCipher == EVP_aes_128_ecb();
+}
+
 struct IvBlock {
     explicit IvBlock(const bytes& iv) {
         std::copy_n(iv.data(), std::min<std::size_t>(iv.size(), sizeof octets), octets);
@@ -56,12 +60,17 @@ SoftwareKeyCipher::SoftwareKeyCipher(std::shared_ptr<const CipherSpec> spec, con
     : Cipher(std::move(spec)),
       ignoresIv(modeTakesNoIv(*spec_)),
       feedsIv(cipherTakesIv(*spec_)),
+      restartsInSilence(isAes128(*spec_)),
       key(theKey, theKey + keyLen) {
     initObj();
 }
 
 SoftwareKeyCipher::SoftwareKeyCipher(std::shared_ptr<const CipherSpec> spec, const bytes& theKey)
-    : Cipher(std::move(spec)), ignoresIv(modeTakesNoIv(*spec_)), feedsIv(cipherTakesIv(*spec_)), key(theKey) {
+    : Cipher(std::move(spec)),
+      ignoresIv(modeTakesNoIv(*spec_)),
+      feedsIv(cipherTakesIv(*spec_)),
+      restartsInSilence(isAes128(*spec_)),
+      key(theKey) {
     initObj();
 }
 
@@ -176,9 +185,19 @@ void SoftwareKeyCipher::start(const unsigned char* iv) {
         iv = ZERO_IV;
     }
 
+    if (!keyed[decrypting]) {
+        started = setKey(iv);
+    } else if (restartsInSilence) {
+        started = restart(iv);
+    } else {
+        const ErrorQueueMark mark;
+        started = restart(iv);
+    }
+}
+
+bool SoftwareKeyCipher::restart(const unsigned char* iv) {
     const auto init = decrypting != 0 ? EVP_DecryptInit_ex : EVP_EncryptInit_ex;
-    started =
-        keyed[decrypting] ? init(ctx[decrypting].get(), nullptr, nullptr, nullptr, iv) != 0 : setKey(iv);
+    return init(ctx[decrypting].get(), nullptr, nullptr, nullptr, iv) != 0;
 }
 
 bool SoftwareKeyCipher::setKey(const unsigned char* iv) {

@@ -123,6 +123,8 @@ std::string Util::saveInstrumentationFile(const std::string& root, const bytes& 
         // The directory is everybody's: a file or a link that waits there under our name is not ours.
         const File file(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
         if (file.isOpen()) {
+            // The owner can read it under any umask.
+            ::fchmod(file.fd(), 0600);
             writeAll(file, data);
             break;
         }

@@ -3,14 +3,20 @@
 #include "LibraryState.h"
 #include "messageOf.h"
 #include "vorl/CipherWrapper02.h"
+#include "vorl/OpenSSLException.h"
 #include "vorl/VORLException.h"
 
 #include <tarvik/crypto/ICipherContext.h>
 #include <tarvik/crypto/VorlCryptoFactory.h>
 
+#include <openssl/crypto.h>
+
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
+#include <string>
 
 namespace vorl::test {
 
@@ -76,6 +82,21 @@ TEST_F(VORLLibTest, InitAllowsAllTypesAndMakesFullTheCurrentOne) {
         EXPECT_TRUE(VORLLib::isAllowedEncryptionType(type)) << type->name;
         EXPECT_TRUE(VORLLib::isAllowedCipherWrapper(type->wrapper)) << type->name;
     }
+}
+
+// OpenSSL cannot be started a second time in a process, which another one can afford to find out.
+TEST(VORLLibDeathTest, OpenSSLThatDoesNotStartIsReportedAndNothingElseStarted) {
+    EXPECT_EXIT(
+        {
+            OPENSSL_init_crypto(OPENSSL_INIT_LOAD_CRYPTO_STRINGS, nullptr);
+            OPENSSL_cleanup();
+            const std::string text = messageOf<OpenSSLException>([] { VORLLib::init(); });
+            const bool started = VORLLib::type_ != nullptr ||
+                                 messageOf<VORLException>([] { VORLLib::checkInit(); }) != NOT_INITIALIZED;
+            std::fputs(text.c_str(), stderr);
+            std::_Exit(started ? 1 : 0);
+        },
+        ::testing::ExitedWithCode(0), "^OPENSSL_init_crypto\\(\\)$");
 }
 
 TEST_F(VORLLibTest, InitStartsRegistryAndFactory) {

@@ -58,6 +58,13 @@ protect_to() {
     equals "$(left_behind folder file)" ""
 }
 
+@test "a link that leads nowhere is neither replaced nor brought to life" {
+    ln -s nowhere link
+    refuses 5 "cannot write 'link': it is a link to something that is not there" "" protect_to link
+    [ -L link ]
+    equals "$(left_behind . key link)" ""
+}
+
 @test "nothing is written, nor left behind, when the run fails" {
     mkdir folder
     echo old >folder/out

@@ -66,6 +66,35 @@ load support
     equals "$output" "$KEY_HEX"
 }
 
+@test "standard output under another name is written to, not replaced" {
+    ln -s /proc/self/fd/1 stdout
+    echo first >log
+    vorl protect --level none key -o stdout >>log
+    equals "$(head -n 1 log)" first
+    equals "$(tail -n 1 log)" "$(vorl protect --level none key)"
+}
+
+@test "a closed standard output is told under its other name too" {
+    ln -s /proc/self/fd/1 stdout
+    closed() {
+        vorl protect --level none key -o stdout >&-
+    }
+    refuses 5 "cannot write 'stdout': it is a link to something that is not there" "" closed
+    [ -L stdout ]
+}
+
+@test "no closed stream gets what is meant for a file, or for another stream" {
+    closed() {
+        vorl unprotect -k key --raw broken -o out <&- >&- 2>&-
+    }
+    octets 0210 >broken
+    run closed
+    equals "$status" 3
+    [ ! -e out ]
+    equals "$(hex broken)" 0210
+    equals "$(cat key)" "$KEY_HEX"
+}
+
 @test "with a closed standard error the status still tells" {
     closed() {
         vorl inspect missing 2>&-
@@ -122,7 +151,7 @@ load support
 }
 
 @test "an input of more bytes than the formats can hold is refused at once" {
-    truncate -s 5G absurd
+    truncate -s 5T absurd
     for command in "protect -k key" "unprotect -k key" inspect; do
         # shellcheck disable=SC2086
         refuses 3 "cannot read 'absurd': it is larger than 4294967295 bytes, which is more than the formats can hold" \

@@ -59,18 +59,44 @@ void writeDirectly(const std::string& path, const bytes& data) {
     }
 }
 
+bool isDanglingLink(const std::string& path) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+// As "/dev/stdout" is, which may be a file that others write to as well.
+bool isStandardOutput(const struct stat& status) {
+    struct stat standard {};
+    return fstat(STDOUT_FILENO, &standard) == 0 && standard.st_dev == status.st_dev &&
+           standard.st_ino == status.st_ino;
+}
+
+void writeExisting(const std::string& path, const struct stat& status, const bytes& data, Readers readers) {
+    if (S_ISDIR(status.st_mode)) {
+        refuse("'" + path + "'", "it is a directory");
+    }
+    if (isStandardOutput(status)) {
+        writeStandardOutput(data.data(), data.size());
+    } else if (S_ISREG(status.st_mode)) {
+        replaceFile(path, data, readers);
+    } else {
+        writeDirectly(path, data);
+    }
+}
+
 void writeFile(const std::string& path, const bytes& data, Readers readers) {
     struct stat status {};
     const bool exists = stat(path.c_str(), &status) == 0;
-    if (exists && S_ISDIR(status.st_mode)) {
-        refuse("'" + path + "'", "it is a directory");
-    }
-    if (exists && !S_ISREG(status.st_mode)) {
-        writeDirectly(path, data);
-        return;
+    // What such a link is for is not known, so that it is neither replaced nor brought to life.
+    if (!exists && isDanglingLink(path)) {
+        refuse("'" + path + "'", "it is a link to something that is not there");
     }
     try {
-        replaceFile(path, data, readers);
+        if (exists) {
+            writeExisting(path, status, data, readers);
+        } else {
+            replaceFile(path, data, readers);
+        }
     } catch (const std::system_error& error) {
         refuse("'" + path + "'", systemText(error.code().value()));
     }

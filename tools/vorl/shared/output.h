@@ -18,8 +18,9 @@ enum class Readers {
 
 /// Writes a result to the file `path`, or to standard output where there is none or it is "-".
 ///
-/// A file appears whole or not at all, and what it replaces stays until then; a link is followed. Something
-/// that is not a file, such as a device or a pipe, is written to as it is. Throws ToolError.
+/// A file appears whole or not at all, and what it replaces stays until then; a link is followed, if it
+/// leads somewhere. Standard output under another name, and what is not a file, such as a device or a pipe,
+/// is written to as it is. Throws ToolError.
 void writeOutput(const std::optional<std::string>& path, const bytes& data, Readers readers);
 
 /// Throws ToolError where not everything could be written.

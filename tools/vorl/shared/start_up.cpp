@@ -8,27 +8,9 @@
 
 #include <csignal>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 namespace vorl::tool {
 
-namespace {
-
-// Opened the wrong way round, so that using the stream fails as it would without one.
-void occupyIfClosed(int fd, int flags) {
-    if (fcntl(fd, F_GETFD) < 0) {
-        // The lowest number that is free, which is `fd`.
-        static_cast<void>(open("/dev/null", flags));
-    }
-}
-
-}  // namespace
-
 void prepareProcess() {
-    occupyIfClosed(STDIN_FILENO, O_WRONLY);
-    occupyIfClosed(STDOUT_FILENO, O_RDONLY);
-    occupyIfClosed(STDERR_FILENO, O_RDONLY);
     static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
     static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
 }

@@ -3,9 +3,8 @@
 
 namespace vorl::tool {
 
-/// What every process does before anything else: a standard stream that was closed is never taken for a file
-/// that is opened later, and a reader that goes away, or a limit on sizes, is an error of a write instead of
-/// the end of the process.
+/// A reader that goes away, or a limit on the size of files, becomes an error of the write that meets it,
+/// instead of the end of the process.
 void prepareProcess();
 
 /// Makes the library ready, as an application does it. Throws ToolError where OpenSSL has no random numbers,

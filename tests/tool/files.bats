@@ -101,6 +101,7 @@ protect_to() {
         refuses 5 "cannot write '$path': Permission denied" "" \
             unprivileged "$VORL" protect --level none key -o $path
     done
+    chmod 755 folder
     equals "$(cat folder/out)" old
     equals "$(left_behind folder out)" ""
 }

@@ -43,7 +43,8 @@ std::uint64_t coveredBytes(const Report& report) {
 class InspectBytes : public vorl::test::StartedLibrary {};
 
 TEST_F(InspectBytes, AWellFormedEnvelopeHasNoProblem) {
-    for (const std::size_t bodyBytes : {16, 112, 128, 16368, 16400, 65520, 65552}) {
+    for (const std::size_t bodyBytes :
+         std::initializer_list<std::size_t>{16, 112, 128, 16368, 16400, 65520, 65552}) {
         for (const bytes& envelope : envelopes(bodyBytes)) {
             const Report report = inspectBytes(envelope);
             EXPECT_EQ(report.kind, "envelope");
@@ -56,7 +57,7 @@ TEST_F(InspectBytes, AWellFormedEnvelopeHasNoProblem) {
 }
 
 TEST_F(InspectBytes, ABodyThatIsNotClosedIsAProblemForTheLibraryToo) {
-    for (const std::size_t bodyBytes : {16384, 32768, 65536, 131072}) {
+    for (const std::size_t bodyBytes : std::initializer_list<std::size_t>{16384, 32768, 65536, 131072}) {
         for (const bytes& envelope : envelopes(bodyBytes)) {
             const Report report = inspectBytes(envelope);
             ASSERT_TRUE(report.problem);

@@ -64,7 +64,8 @@ void checkRoundTrip(const Level& level, std::size_t size) {
 
 std::string checkRoundTrips() {
     for (const Level& level : levels()) {
-        for (const std::size_t size : {1, 15, 16, 17, 127, 128, 1000, 20000}) {
+        for (const std::size_t size :
+             std::initializer_list<std::size_t>{1, 15, 16, 17, 127, 128, 1000, 20000}) {
             checkRoundTrip(level, size);
         }
     }

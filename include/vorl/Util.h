@@ -23,10 +23,10 @@ public:
     /// No leading zeros and no "0x": 255 is "ff", 0 is "0".
     static std::string toHexString(unsigned int v);
     /// Two digits a byte, joined by `sep`, which is " " in the forms without it.
-    static std::string toHexString(const unsigned char* p, unsigned int len, const std::string& sep);
+    static std::string toHexString(const unsigned char* p, unsigned int len, std::string sep);
     static std::string toHexString(const unsigned char* p, unsigned int len);
     static std::string toHexString(const bytes& v);
-    static std::string toHexString(const bytes& v, const std::string& sep);
+    static std::string toHexString(const bytes& v, std::string sep);
     /// toHexString(v) behind as many blanks as make it `width` characters; never cut.
     static std::string toSpacedHexString(unsigned int v, unsigned int width);
 
@@ -40,7 +40,7 @@ public:
     // Indented blocks: `name` behind `level` times `indentSize` blanks.
 
     /// The header of a block that others follow: the indent, `name`, ":" and a newline. `width` is not used.
-    static std::string toFormatString(const std::string& name, unsigned int width, unsigned int level,
+    static std::string toFormatString(std::string name, unsigned int width, unsigned int level,
                                       unsigned int indentSize);
 
     /// Bytes in hex, joined by `separator`: behind the name where the line stays below `width` characters,
@@ -63,9 +63,9 @@ public:
     /// The form that takes a pointer separates the bytes with " ", the form that takes a vector with Env's
     /// separator; existing logs rely on both.
     static std::string hexAsciiDump(const unsigned char* p, unsigned int len, unsigned int perLine,
-                                    const std::string& sep);
+                                    std::string sep);
     static std::string hexAsciiDump(const unsigned char* p, unsigned int len, unsigned int perLine);
-    static std::string hexAsciiDump(const bytes& v, unsigned int perLine, const std::string& sep);
+    static std::string hexAsciiDump(const bytes& v, unsigned int perLine, std::string sep);
     static std::string hexAsciiDump(const bytes& v, unsigned int perLine);
 
     // Whole files.

@@ -51,7 +51,7 @@ std::string Util::toHexString(unsigned int v) {
     return text;
 }
 
-std::string Util::toHexString(const unsigned char* p, unsigned int len, const std::string& sep) {
+std::string Util::toHexString(const unsigned char* p, unsigned int len, std::string sep) {
     std::string text;
     appendHex(text, p, len, sep);
     return text;
@@ -65,7 +65,7 @@ std::string Util::toHexString(const bytes& v) {
     return toHexString(v, " ");
 }
 
-std::string Util::toHexString(const bytes& v, const std::string& sep) {
+std::string Util::toHexString(const bytes& v, std::string sep) {
     std::string text;
     appendHex(text, v.data(), v.size(), sep);
     return text;
@@ -92,7 +92,7 @@ bool Util::isPowerOf2(unsigned int x) {
     return x != 0 && (x & (x - 1)) == 0;
 }
 
-std::string Util::toFormatString(const std::string& name, unsigned int /*width*/, unsigned int level,
+std::string Util::toFormatString(std::string name, unsigned int /*width*/, unsigned int level,
                                  unsigned int indentSize) {
     return indentOf(level, indentSize) + name + ":\n";
 }
@@ -155,7 +155,7 @@ std::string Util::toFormatHexString(const bytes& v, const std::string& name) {
 }
 
 std::string Util::hexAsciiDump(const unsigned char* p, unsigned int len, unsigned int perLine,
-                               const std::string& sep) {
+                               std::string sep) {
     perLine = std::max(perLine, 1U);
     std::string text;
     for (std::uint64_t offset = 0; offset < len; offset += perLine) {
@@ -176,7 +176,7 @@ std::string Util::hexAsciiDump(const unsigned char* p, unsigned int len, unsigne
     return hexAsciiDump(p, len, perLine, " ");
 }
 
-std::string Util::hexAsciiDump(const bytes& v, unsigned int perLine, const std::string& sep) {
+std::string Util::hexAsciiDump(const bytes& v, unsigned int perLine, std::string sep) {
     return hexAsciiDump(v.data(), index32(v.size(), "Util: bytes to dump"), perLine, sep);
 }
 

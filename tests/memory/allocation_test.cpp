@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <new>
@@ -74,6 +75,8 @@ void* allocate(std::size_t size) noexcept {
     if (block == nullptr) {
         return nullptr;
     }
+    // What a block held in an earlier life is not what its next owner leaves behind.
+    std::memset(block + 1, 0xa5, size);
     *block = {size, nullptr, heap.blocks};
     if (heap.blocks != nullptr) {
         heap.blocks->previous = block;

@@ -99,6 +99,19 @@ void checkStructure(const bytes& envelope, const MessageOptions& options) {
     }
 }
 
+// The level of an envelope that holds together and is accepted.
+const Level& judge(const bytes& envelope, const UnprotectOptions& options) {
+    const Level* const level = levelOfVersion(envelope.front());
+    if (level != nullptr) {
+        checkAccepted(*level, options.accept);
+    }
+    checkStructure(envelope, options.message);
+    if (level == nullptr) {
+        throw ToolError(ExitStatus::FAULT, "the library knows a version that the tool does not");
+    }
+    return *level;
+}
+
 bytes openEnvelope(const bytes& envelope, const Level& level, const SecretBytes& key) {
     VORLLib::type_ = level.type;
     VorlContext context(key.get());
@@ -119,14 +132,7 @@ ExitStatus unprotect(const UnprotectOptions& options) {
     const SecretBytes key = loadMessageKey(options.key, accepted, options.message.input);
     setPolicy(accepted);
     const bytes envelope = readEnvelope(options.message);
-    const Level* const level = levelOfVersion(envelope.front());
-    if (level != nullptr) {
-        checkAccepted(*level, options.accept);
-    }
-    checkStructure(envelope, options.message);
-
-    // An unknown version has not passed the check of the structure.
-    const bytes message = openEnvelope(envelope, *level, key);
+    const bytes message = openEnvelope(envelope, judge(envelope, options), key);
     if (!isPlainText(message)) {
         refuseBinaryOnTerminal(options.message.output);
     }

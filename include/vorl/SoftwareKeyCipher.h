@@ -68,6 +68,7 @@ private:
     bool setKey(const unsigned char* iv);
     bool restart(const unsigned char* iv);
     bool feed(const unsigned char* data, std::size_t size, unsigned char* out, std::size_t& produced);
+    void reportFailure(bool succeeded, std::size_t size, std::size_t produced) const;
 
     // What the spec's mode says and what OpenSSL's cipher says need not agree in a spec of the caller's own.
     const bool ignoresIv;

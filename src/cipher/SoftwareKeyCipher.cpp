@@ -10,6 +10,7 @@
 #include <openssl/evp.h>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 // What is handed to OpenSSL lies in blocks of the largest size that it knows for a key or an IV, zero beyond
@@ -21,6 +22,22 @@ namespace {
 
 // OpenSSL counts in ints.
 const std::size_t MAX_PIECE = std::size_t{1} << 30;
+
+// Stays in the first-level cache between the pass that provides storage and the cipher's.
+const std::size_t CACHED_PIECE = std::size_t{8} * 1024;
+
+// A mark in the error queue around an update that may fail without a report. Others are spared its cost.
+class MarkWhereUnreported {
+public:
+    MarkWhereUnreported(std::size_t size, const CipherSpec& spec) {
+        if (size < spec.blockSize) {
+            mark_.emplace();
+        }
+    }
+
+private:
+    std::optional<ErrorQueueMark> mark_;
+};
 
 bool modeTakesNoIv(const CipherSpec& spec) {
     return spec.mode == CipherMode::ECB() || spec.mode == CipherMode::NONE();
@@ -98,8 +115,20 @@ void SoftwareKeyCipher::decryptInit(const bytes& iv) {
 }
 
 bytes SoftwareKeyCipher::update(const bytes& data) {
-    bytes out(data.size() + EVP_MAX_BLOCK_LENGTH);
-    out.resize(update(data.data(), data.size(), out.data()));
+    const MarkWhereUnreported mark(data.size(), *spec_);
+    bytes out;
+    out.reserve(data.size() + EVP_MAX_BLOCK_LENGTH);
+    bool succeeded = started;
+    for (std::size_t done = 0; succeeded && done < data.size();) {
+        const std::size_t piece = std::min(data.size() - done, CACHED_PIECE);
+        const std::size_t at = out.size();
+        out.resize(at + piece + EVP_MAX_BLOCK_LENGTH);
+        std::size_t produced = 0;
+        succeeded = feed(data.data() + done, piece, out.data() + at, produced);
+        out.resize(at + produced);
+        done += piece;
+    }
+    reportFailure(succeeded, data.size(), out.size());
     return out;
 }
 
@@ -133,21 +162,10 @@ void SoftwareKeyCipher::decryptInit(unsigned char* iv) {
 }
 
 std::size_t SoftwareKeyCipher::update(const unsigned char* data, std::size_t size, unsigned char* out) {
+    const MarkWhereUnreported mark(size, *spec_);
     std::size_t produced = 0;
-    if (size < spec_->blockSize) {
-        // Short feeds legitimately produce nothing, so a failure without output is passed over.
-        const ErrorQueueMark mark;
-        if (!feed(data, size, out, produced) && produced > 0) {
-            OpenSSLException::throw_message("failed EVP update operation", "SoftwareKeyCipher", __LINE__,
-                                            __func__);
-        }
-        return produced;
-    }
-    if (!feed(data, size, out, produced)) {
-        OpenSSLException::throw_message(produced > 0 ? "failed EVP update operation"
-                                                     : "failed EVP update, no output with input >= blocksize",
-                                        "SoftwareKeyCipher", __LINE__, __func__);
-    }
+    const bool succeeded = feed(data, size, out, produced);
+    reportFailure(succeeded, size, produced);
     return produced;
 }
 
@@ -226,6 +244,16 @@ bool SoftwareKeyCipher::feed(const unsigned char* data, std::size_t size, unsign
         done += piece;
     }
     return succeeded;
+}
+
+// Short feeds legitimately produce nothing, so a failure without output on less than a block is passed over.
+void SoftwareKeyCipher::reportFailure(bool succeeded, std::size_t size, std::size_t produced) const {
+    if (succeeded || (produced == 0 && size < spec_->blockSize)) {
+        return;
+    }
+    OpenSSLException::throw_message(
+        produced > 0 ? "failed EVP update operation" : "failed EVP update, no output with input >= blocksize",
+        "SoftwareKeyCipher", __LINE__, "update");
 }
 
 }  // namespace vorl

@@ -30,7 +30,10 @@ std::size_t BodyWriter::nextRun(std::size_t most) {
     if (fragmentRest_ == 0) {
         const Fragment fragment = nextFragment(rest_);
         const LengthDeterminant determinant = determinantOf(fragment);
-        envelope_.insert(envelope_.end(), determinant.octets, determinant.octets + determinant.size);
+        envelope_.push_back(determinant.octets[0]);
+        if (determinant.size == 2) {
+            envelope_.push_back(determinant.octets[1]);
+        }
         fragmentRest_ = fragment.units;
     }
     const std::size_t run = std::min(fragmentRest_, most);

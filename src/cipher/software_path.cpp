@@ -22,7 +22,7 @@ const std::size_t BLOCK = 16;
 
 // Work goes in pieces that stay in the first-level cache between the pass that provides storage and the
 // cipher's. A multiple of the block, and every fragment but the last is a multiple of it.
-const std::size_t PIECE = std::size_t{8} * 1024;
+const std::size_t PIECE = std::size_t{4} * 1024;
 
 // Wipes its bytes at the end of the scope unless told that they have become the result.
 class WipeUnlessKept {
@@ -87,19 +87,16 @@ bytes decryptInPlace(Buffer& in, const OctetRuns& iv, SoftwareKeyCipher& cipher)
 
     bytes store = std::move(in).toByteArray();
     WipeUnlessKept wipe(store);
-    // The ciphertext is moved together at the front of the store piece by piece, and decrypted where it then
-    // lies. The cipher holds the last block back until more comes, so its output stays a block behind and
-    // lands on what is already decrypted.
-    std::size_t joined = 0;
+    // Each piece is copied out before it is decrypted to where it belongs. That never reaches what is still to be
+    // read: the message has no determinants, and the cipher holds the last block back until more comes.
+    unsigned char piece[PIECE];
     std::size_t decrypted = 0;
     body.forEach([&](const OctetRun& run) {
         for (std::size_t done = 0; done < run.octets;) {
-            const std::size_t piece = std::min(run.octets - done, PIECE);
-            unsigned char* const at = store.data() + joined;
-            std::memmove(at, store.data() + run.offset + done, piece);
-            decrypted += cipher.update(at, piece, store.data() + decrypted);
-            done += piece;
-            joined += piece;
+            const std::size_t size = std::min(run.octets - done, PIECE);
+            std::memcpy(piece, store.data() + run.offset + done, size);
+            decrypted += cipher.update(piece, size, store.data() + decrypted);
+            done += size;
         }
     });
     // Into a block of its own, which the store may not have; what comes out of it is less than was held back.

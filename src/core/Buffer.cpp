@@ -30,13 +30,15 @@ Buffer::Buffer(Buffer&& other) noexcept
     : ridx_(std::exchange(other.ridx_, 0)),
       widx_(std::exchange(other.widx_, 0)),
       midx_(std::exchange(other.midx_, 0)),
-      data_(std::exchange(other.data_, bytes())) {}
+      data_(std::move(other.data_)) {}
 
 Buffer& Buffer::operator=(Buffer&& other) noexcept {
-    ridx_ = std::exchange(other.ridx_, 0);
-    widx_ = std::exchange(other.widx_, 0);
-    midx_ = std::exchange(other.midx_, 0);
-    data_ = std::exchange(other.data_, bytes());
+    // By way of a third, so that a buffer may be moved to itself.
+    Buffer moved(std::move(other));
+    std::swap(ridx_, moved.ridx_);
+    std::swap(widx_, moved.widx_);
+    std::swap(midx_, moved.midx_);
+    data_.swap(moved.data_);
     return *this;
 }
 
@@ -98,7 +100,7 @@ bytes Buffer::toByteArray() && {
     data_.resize(widx_);
     ridx_ = 0;
     widx_ = 0;
-    return std::exchange(data_, bytes());
+    return std::move(data_);
 }
 
 bytes Buffer::toByteArrayRemain() const {

@@ -1,5 +1,6 @@
 #include "LibraryState.h"
 #include "cipher_contexts.h"
+#include "levels.h"
 #include "messageOf.h"
 #include "message_sizes.h"
 #include "octets.h"
@@ -79,14 +80,7 @@ class DamagedEnvelope : public StartedLibrary, public ::testing::WithParamInterf
 protected:
     void SetUp() override {
         StartedLibrary::SetUp();
-        std::shared_ptr<ICipherContext> own;
-        if (GetParam().level == NONE) {
-            own = std::make_shared<NullCipher>();
-        } else {
-            own = std::make_shared<SoftwareKeyCipher>(
-                GetParam().level == TEST ? CipherSpec::AES_128_ECB_PKCS5() : CipherSpec::AES_128_CBC_PKCS5(),
-                KEY);
-        }
+        const std::shared_ptr<ICipherContext> own = cipherOf(GetParam().level, KEY);
         ctx_ = GetParam().foreign ? std::make_shared<ForwardingContext>(own) : own;
         ASSERT_TRUE(CipherWrapper::decrypt(envelope_, *ctx_) == message_);
     }

@@ -1,5 +1,6 @@
 #include "LibraryState.h"
 #include "cipher_contexts.h"
+#include "levels.h"
 #include "messageOf.h"
 #include "message_sizes.h"
 #include "octets.h"
@@ -38,14 +39,7 @@ const Way WAYS[] = {
 class EnvelopeSizes : public StartedLibrary, public ::testing::WithParamInterface<Way> {
 protected:
     std::shared_ptr<ICipherContext> context() const {
-        std::shared_ptr<ICipherContext> own;
-        if (GetParam().level == NONE) {
-            own = std::make_shared<NullCipher>();
-        } else {
-            own = std::make_shared<SoftwareKeyCipher>(
-                GetParam().level == TEST ? CipherSpec::AES_128_ECB_PKCS5() : CipherSpec::AES_128_CBC_PKCS5(),
-                KEY);
-        }
+        const std::shared_ptr<ICipherContext> own = cipherOf(GetParam().level, KEY);
         return GetParam().foreign ? std::make_shared<ForwardingContext>(own, 100) : own;
     }
 

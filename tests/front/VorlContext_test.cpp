@@ -2,6 +2,8 @@
 
 #include "GroupedDigits.h"
 #include "LibraryState.h"
+#include "Response.h"
+#include "levels.h"
 #include "messageOf.h"
 #include "message_sizes.h"
 #include "octets.h"
@@ -30,17 +32,6 @@ const bytes KEY = fromHex("2b7e151628aed2a6abf7158809cf4f3c");
 const bytes IV = fromHex("000102030405060708090a0b0c0d0e0f");
 const char SPEC_MISMATCH[] = "Cipher spec mismatch between cipher and wrapper";
 
-Type typeOf(Level level) {
-    switch (level) {
-        case NONE:
-            return EncryptionType::NULL_CIPHER();
-        case TEST:
-            return EncryptionType::TEST_CIPHER();
-        default:
-            return EncryptionType::FULL_CIPHER();
-    }
-}
-
 class VorlContextTest : public StartedLibrary {
 protected:
     void TearDown() override {
@@ -58,18 +49,6 @@ protected:
 bytes textOf(Level level, const bytes& message) {
     return rawBase64(expectedEnvelope(level, KEY, IV, message));
 }
-
-class Response : public IHttpStream {
-public:
-    unsigned int status() const override { return 200; }
-    const Fields& fields() const override { return fields_; }
-    const bytes& body() const override { return body_; }
-    const Request* request() const override { return nullptr; }
-
-private:
-    Fields fields_;
-    bytes body_;
-};
 
 class VorlContextBeforeInit : public ::testing::Test {};
 

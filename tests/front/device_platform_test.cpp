@@ -1,3 +1,4 @@
+#include "Response.h"
 #include "cipher_contexts.h"
 #include "messageOf.h"
 #include "octets.h"
@@ -89,18 +90,6 @@ void called(const char* operation) {
         throw DeviceFault("fault in " + device.faultIn);
     }
 }
-
-class Response : public IHttpStream {
-public:
-    unsigned int status() const override { return 200; }
-    const Fields& fields() const override { return fields_; }
-    const bytes& body() const override { return body_; }
-    const Request* request() const override { return nullptr; }
-
-private:
-    Fields fields_;
-    bytes body_;
-};
 
 class DevicePlatform : public ::testing::Test {
 protected:

@@ -1,5 +1,6 @@
 #include "LibraryState.h"
 #include "cipher_contexts.h"
+#include "levels.h"
 #include "messageOf.h"
 #include "message_sizes.h"
 #include "octets.h"
@@ -143,17 +144,6 @@ public:
         return count;
     }
 };
-
-std::shared_ptr<const EncryptionType> typeOf(Level level) {
-    switch (level) {
-        case NONE:
-            return EncryptionType::NULL_CIPHER();
-        case TEST:
-            return EncryptionType::TEST_CIPHER();
-        default:
-            return EncryptionType::FULL_CIPHER();
-    }
-}
 
 class Allocations : public StartedLibrary {};
 

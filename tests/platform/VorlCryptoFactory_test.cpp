@@ -1,4 +1,5 @@
 #include "tarvik/crypto/VorlCryptoFactory.h"
+#include "Response.h"
 
 #include "GroupedDigits.h"
 #include "messageOf.h"
@@ -35,18 +36,6 @@ class VorlCryptoFactoryTest : public ::testing::Test {
 protected:
     void SetUp() override { VorlCryptoFactory::init(); }
     void TearDown() override { VorlCryptoFactory::cleanup(); }
-};
-
-class Response : public IHttpStream {
-public:
-    unsigned int status() const override { return 200; }
-    const Fields& fields() const override { return fields_; }
-    const bytes& body() const override { return body_; }
-    const Request* request() const override { return nullptr; }
-
-private:
-    Fields fields_;
-    bytes body_;
 };
 
 }  // namespace

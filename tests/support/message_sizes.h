@@ -22,21 +22,12 @@ inline std::vector<std::size_t> messageSizes() {
         std::size_t last;
     };
     const std::size_t MIB = std::size_t{1} << 20;
-    const Range ranges[] = {{0, 40},
-                            {100, 130},
-                            {8170, 8210},
-                            {16351, 16401},
-                            {24560, 24590},
-                            {32750, 32770},
-                            {49130, 49155},
-                            {65519, 65537},
-                            {81900, 81925},
-                            {131055, 131075},
-                            {MIB - 17, MIB},
-                            {MIB + 1, MIB + 1},
-                            {MIB + 16, MIB + 16},
-                            {3 * MIB + 5, 3 * MIB + 5},
-                            {4 * MIB, 4 * MIB}};
+    const Range ranges[] = {
+        {0, 40},           {100, 130},         {3040, 3090},         {4060, 4130},
+        {8170, 8210},      {16351, 16401},     {24560, 24590},       {32750, 32770},
+        {49130, 49155},    {65519, 65537},     {81900, 81925},       {131055, 131075},
+        {MIB - 17, MIB},   {MIB + 1, MIB + 1}, {MIB + 16, MIB + 16}, {3 * MIB + 5, 3 * MIB + 5},
+        {4 * MIB, 4 * MIB}};
     std::vector<std::size_t> sizes;
     for (const Range& range : ranges) {
         for (std::size_t size = range.first; size <= range.last; ++size) {

@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034
 # Sourced by the other scripts: where the project is, what a step looks like, and how a missing package is had.
 
 set -euo pipefail

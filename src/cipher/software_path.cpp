@@ -87,8 +87,8 @@ bytes decryptInPlace(Buffer& in, const OctetRuns& iv, SoftwareKeyCipher& cipher)
 
     bytes store = std::move(in).toByteArray();
     WipeUnlessKept wipe(store);
-    // Each piece is copied out before it is decrypted to where it belongs. That never reaches what is still to be
-    // read: the message has no determinants, and the cipher holds the last block back until more comes.
+    // Each piece is copied out before it is decrypted to where it belongs. That never reaches what is still
+    // to be read: the message has no determinants, and the cipher holds the last block back until more comes.
     unsigned char piece[PIECE];
     std::size_t decrypted = 0;
     body.forEach([&](const OctetRun& run) {

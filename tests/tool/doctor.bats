@@ -97,11 +97,11 @@ CNF
 
 @test "without random numbers, the other commands send to the doctor" {
     without_random
-    refuses 5 "OpenSSL's random generator is not ready" "'vorl doctor' looks for the reason" vorl protect -k key key
+    refuses 5 "OpenSSL's random generator is not ready" "'vorl doctor' looks for the reason" vorl protect -k key note
 }
 
 @test "without ciphers, protecting is a fault of the platform" {
     without_ciphers
-    run --separate-stderr vorl protect -k key key
+    run --separate-stderr vorl protect -k key note
     equals "$status$output" 5
 }

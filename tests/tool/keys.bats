@@ -121,6 +121,52 @@ envelope() {
     done
 }
 
+@test "the key and the input cannot be one stream, whatever their names" {
+    local hint="name a file for one of them, or pass the key with --key-fd"
+    local same="standard input cannot be both the key and the input"
+    from_pipe() {
+        cat key note | vorl "$@"
+    }
+    from_file() {
+        vorl "$@" <key
+    }
+    from_copied_pipe() {
+        cat key note | vorl "$@" 3<&0
+    }
+    for source in from_pipe from_file; do
+        for options in "-k /dev/stdin" "-k /dev/fd/0 -" "-k - /dev/stdin" "--key-fd 0 /dev/fd/0" \
+            "-k /proc/self/fd/0 /dev/stdin"; do
+            # shellcheck disable=SC2086
+            refuses 2 "$same" "$hint" $source protect $options
+        done
+    done
+    for command in protect "unprotect --accept none"; do
+        # shellcheck disable=SC2086
+        refuses 2 "$same" "$hint" from_copied_pipe $command --key-fd 3
+    done
+}
+
+@test "the key and the input cannot be one file, nor one pipe that is not standard input" {
+    local hint="name a file for one of them, or pass the key with --key-fd"
+    ln key link
+    for input in key ./key link; do
+        refuses 2 "'key' cannot be both the key and the input" "$hint" vorl protect -k key $input
+    done
+    with_descriptor() {
+        cat key note | vorl protect --key-fd 9 /dev/fd/9 9<&0 </dev/null
+    }
+    refuses 2 "descriptor 9 cannot be both the key and the input" "$hint" with_descriptor
+}
+
+@test "a key and an input with the same content are two files" {
+    cp key twin
+    succeeds vorl protect -k key twin
+    from_pipes() {
+        cat note | vorl protect --key-fd 9 - 9< <(cat key)
+    }
+    succeeds from_pipes
+}
+
 @test "a descriptor that is not open is told" {
     closed() {
         vorl protect --key-fd 9 key 9>&-

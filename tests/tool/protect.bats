@@ -131,7 +131,7 @@ comes_back() {
 @test "a key that is given at none is checked all the same" {
     bytes_of 15 >short
     refuses 3 "'short': the key has 15 bytes, 16 are needed" "" vorl protect --level none -k short key
-    succeeds vorl protect --level none -k key key
+    succeeds vorl protect --level none -k key note
 }
 
 @test "an unknown level is refused" {

@@ -47,8 +47,8 @@ load support
 }
 
 @test "a closed standard output is told" {
-    vorl protect -k key key >text
-    for command in "protect -k key key" "unprotect -k key text" "inspect text" doctor --help --version; do
+    vorl protect -k key note >text
+    for command in "protect -k key note" "unprotect -k key text" "inspect text" doctor --help --version; do
         # shellcheck disable=SC2086
         closed() {
             vorl $command >&-
@@ -104,8 +104,8 @@ load support
 }
 
 @test "a full standard output is told" {
-    vorl protect -k key key >text
-    for command in "protect -k key key" "unprotect -k key text" "inspect text" "inspect --json text" doctor \
+    vorl protect -k key note >text
+    for command in "protect -k key note" "unprotect -k key text" "inspect text" "inspect --json text" doctor \
         --help --version "protect --help"; do
         # shellcheck disable=SC2086
         full() {
@@ -118,7 +118,7 @@ load support
 @test "a reader that has gone away is told, and is not the end by a signal" {
     {
         until [ -e gone ]; do :; done
-        "$VORL" protect -k key key 2>told && echo 0 >ended || echo $? >ended
+        "$VORL" protect -k key note 2>told && echo 0 >ended || echo $? >ended
     } | {
         exec <&-
         touch gone

@@ -1,4 +1,4 @@
-# What the tests of the tool share. A test works in a folder of its own, which holds the file "key".
+# What the tests of the tool share. A test works in a folder of its own, which holds the files "key" and "note".
 # shellcheck disable=SC2034
 
 bats_require_minimum_version 1.5.0
@@ -14,6 +14,7 @@ setup() {
     # bats has files of its own in the folder above.
     mkdir "$BATS_TEST_TMPDIR/work" && cd "$BATS_TEST_TMPDIR/work" || return 1
     echo "$KEY_HEX" >key
+    echo hello >note
     umask 022
 }
 
@@ -92,11 +93,11 @@ refuses() {
     equals "$output" ""
 }
 
-# left_behind: what a folder holds besides what is named, in one line.
+# left_behind: what a folder holds besides the note and what is named, in one line.
 left_behind() {
     local folder=$1
     shift
-    (cd "$folder" && find . -mindepth 1 -maxdepth 1 | sed 's#^\./##' | grep -v -x -F "$(printf '%s\n' "$@")" |
+    (cd "$folder" && find . -mindepth 1 -maxdepth 1 | sed 's#^\./##' | grep -v -x -F "$(printf '%s\n' note "$@")" |
         tr '\n' ' ')
 }
 

@@ -11,7 +11,7 @@ setup_file() {
 }
 
 @test "a raw envelope is not written to a terminal" {
-    in_terminal "'$VORL' protect -k key --raw key 2>told"
+    in_terminal "'$VORL' protect -k key --raw note 2>told"
     equals "$status$output" 2
     equals "$(cat told)" "vorl: error: binary data is not written to a terminal
 vorl: hint: $INSIST"
@@ -40,7 +40,7 @@ vorl: hint: $INSIST"
     in_terminal "'$VORL' unprotect --accept none --raw -o - envelope 2>told"
     equals "$status" 0
     equals "$(printf %s "$output" | hex)" ff
-    in_terminal "'$VORL' protect -k key --raw -o - key >/dev/null"
+    in_terminal "'$VORL' protect -k key --raw -o - note >/dev/null"
     equals "$status" 0
 }
 
@@ -51,7 +51,7 @@ vorl: hint: $INSIST"
 }
 
 @test "a terminal is not in the way of a file" {
-    in_terminal "'$VORL' protect -k key --raw key -o out"
+    in_terminal "'$VORL' protect -k key --raw note -o out"
     equals "$status$output" 0
     [ -s out ]
 }

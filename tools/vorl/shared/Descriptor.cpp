@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace vorl::tool {
@@ -33,6 +34,21 @@ bool Descriptor::close() {
     const int fd = fd_;
     fd_ = -1;
     return fd < 0 || ::close(fd) == 0;
+}
+
+bool operator==(const FileId& a, const FileId& b) {
+    return a.device == b.device && a.inode == b.inode;
+}
+
+std::optional<FileId> fileOf(int fd) {
+    struct stat status {};
+    return fstat(fd, &status) == 0 ? std::optional<FileId>({status.st_dev, status.st_ino}) : std::nullopt;
+}
+
+std::optional<FileId> fileOf(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 ? std::optional<FileId>({status.st_dev, status.st_ino})
+                                            : std::nullopt;
 }
 
 bool writeAll(int fd, const void* data, std::size_t size) {

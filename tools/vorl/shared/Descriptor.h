@@ -2,7 +2,10 @@
 #define VORL_TOOL_SHARED_DESCRIPTOR_H
 
 #include <cstddef>
+#include <optional>
 #include <string>
+
+#include <sys/types.h>
 
 namespace vorl::tool {
 
@@ -22,6 +25,18 @@ public:
 private:
     int fd_;
 };
+
+/// Which file it is, whatever its name.
+struct FileId {
+    dev_t device;
+    ino_t inode;
+};
+
+bool operator==(const FileId& a, const FileId& b);
+
+/// What an open descriptor, or a path, leads to; nothing where that cannot be told.
+std::optional<FileId> fileOf(int fd);
+std::optional<FileId> fileOf(const std::string& path);
 
 /// False, and errno, where not everything could be written.
 bool writeAll(int fd, const void* data, std::size_t size);

@@ -46,6 +46,32 @@ SecretBytes readSecret(int fd, const std::string& source) {
     return secret;
 }
 
+[[noreturn]] void refuseSameFile(const std::string& source) {
+    throw ToolError(ExitStatus::USAGE, source + " cannot be both the key and the input",
+                    "name a file for one of them, or pass the key with --key-fd");
+}
+
+// What the key must not be. It is looked at before the key is opened, which would take the place of a
+// standard input that is closed.
+class OtherInput {
+public:
+    explicit OtherInput(const std::string& path)
+        : standardInput_(fileOf(STDIN_FILENO)),
+          input_(path == STANDARD_STREAM ? standardInput_ : fileOf(path)) {}
+
+    // Names do not tell: "-", "/dev/stdin" and "/dev/fd/0" are one stream, and so is a descriptor made of it.
+    void refuseIfKey(int keyFd, const std::string& source) const {
+        const std::optional<FileId> key = fileOf(keyFd);
+        if (key && key == input_) {
+            refuseSameFile(key == standardInput_ ? "standard input" : source);
+        }
+    }
+
+private:
+    const std::optional<FileId> standardInput_;
+    const std::optional<FileId> input_;
+};
+
 }  // namespace
 
 void KeyFile::declare(CLI::App& command) {
@@ -64,21 +90,24 @@ void KeyFile::declare(CLI::App& command) {
 
 SecretBytes KeyFile::load(std::size_t neededBytes, const std::string& inputPath) const {
     if (isStandardInput() && inputPath == STANDARD_STREAM) {
-        throw ToolError(ExitStatus::USAGE, "standard input cannot be both the key and the input",
-                        "name a file for one of them, or pass the key with --key-fd");
+        refuseSameFile("standard input");
     }
+    const OtherInput other(inputPath);
     if (descriptor_) {
         const std::string source = "descriptor " + std::to_string(*descriptor_);
+        other.refuseIfKey(*descriptor_, source);
         return keyFrom(readSecret(*descriptor_, source), format_, neededBytes, source);
     }
     const std::string source = inputName(*path_);
     if (isStandardInput()) {
+        other.refuseIfKey(STDIN_FILENO, source);
         return keyFrom(readSecret(STDIN_FILENO, source), format_, neededBytes, source);
     }
     const Descriptor file(open(path_->c_str(), O_RDONLY | O_CLOEXEC));
     if (!file.isOpen()) {
         refuse(source, systemText(errno));
     }
+    other.refuseIfKey(file.get(), source);
     return keyFrom(readSecret(file.get(), source), format_, neededBytes, source);
 }
 

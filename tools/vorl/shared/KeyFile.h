@@ -20,8 +20,8 @@ public:
     void declare(CLI::App& command);
 
     bool isGiven() const { return path_.has_value() || descriptor_.has_value(); }
-    /// The key that was named. `inputPath` is what the command reads besides: the two cannot both be standard
-    /// input. Throws ToolError.
+    /// The key that was named. `inputPath` is what the command reads besides: the two cannot be one file,
+    /// or one stream, of which the key would take its part. Throws ToolError.
     SecretBytes load(std::size_t neededBytes, const std::string& inputPath) const;
 
 private:

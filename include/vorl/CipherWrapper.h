@@ -47,8 +47,8 @@ public:
     /// Opens an envelope with `ctx`, whose id() must be that of the envelope's cipher configuration.
     /// Throws VORLException where the registry is empty, the version is unknown or not allowed (see
     /// VORLLib::setAllowedEncryptionType), the configuration is another, the IV has a wrong length or bytes
-    /// follow the envelope; ASN1Exception where it is malformed; and whatever `ctx` throws.
-    /// The second form reuses the storage of the envelope for the message.
+    /// follow the envelope; ASN1Exception where it is malformed; std::length_error for more than 2^32 - 1
+    /// bytes; and whatever `ctx` throws. The second form reuses the storage of the envelope for the message.
     static bytes decrypt(const bytes& envelope, tarvik::crypto::ICipherContext& ctx);
     static bytes decrypt(bytes&& envelope, tarvik::crypto::ICipherContext& ctx);
 

@@ -12,7 +12,7 @@
 namespace vorl {
 
 /// A cipher of OpenSSL with a key in memory; for the library's specs, AES-128 in CBC or ECB mode with PKCS #5
-/// padding (RFC 8018, section 6.1.1).
+/// padding to 16 bytes (RFC 5652, section 6.3).
 ///
 /// Reusable: every init starts afresh with the same key, also after a failure. Before the first init, and
 /// after one that OpenSSL refused, update() and final() answer as if OpenSSL had failed.
@@ -53,8 +53,7 @@ public:
     void initObj();
 
     /// update() from and to given storage; returns how many bytes were written to `out`: never more than
-    /// `size` and a block of the cipher. The two do not overlap; where all the input of an operation comes in
-    /// one call they may be the same.
+    /// `size` and a block of the cipher. The two do not overlap.
     std::size_t update(const unsigned char* data, std::size_t size, unsigned char* out);
     /// final() to given storage of at least a block of the cipher.
     std::size_t final(unsigned char* out);
@@ -73,9 +72,11 @@ private:
     // What the spec's mode says and what OpenSSL's cipher says need not agree in a spec of the caller's own.
     const bool ignoresIv;
     const bool feedsIv;
-    // OpenSSL's own AES has nothing to report when it is given another IV, so a mark in its error queue,
-    // which would cost as much as a third of the restart, is spared.
-    const bool restartsInSilence;
+    // One of the library's two ciphers. A restart has nothing to report to the error queue, so that a mark in
+    // it, which would cost a third of the restart, is spared; and how the data is cut makes no difference.
+    const bool isAes;
+    // A cipher without an IV would go on where it was.
+    const bool restartsWithIv;
     int decrypting = 0;
     // One for each direction, indexed by `decrypting`. Naming a cipher and its key again for each message
     // costs OpenSSL eight times as much as restarting with an IV, and takes locks that all threads share.

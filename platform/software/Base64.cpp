@@ -15,7 +15,7 @@ using Octets = std::vector<unsigned char>;
 
 // Work goes in pieces that stay in the first-level cache between the pass that provides storage and the
 // codec.
-const std::size_t PIECE_GROUPS = std::size_t{1} * 1024;
+const std::size_t PIECE_GROUPS = 1024;
 const std::size_t GROUP_OCTETS = 3;
 const std::size_t GROUP_CHARACTERS = 4;
 

@@ -31,23 +31,23 @@ CipherSpec::CipherSpec(ICipherContext::Spec theSpec, std::shared_ptr<const Ciphe
       evpCipher(theEvpCipher) {}
 
 std::shared_ptr<const CipherSpec> CipherSpec::NULL_CIPHER() {
-    static const auto instance =
+    static const auto& instance = *new auto(
         std::make_shared<const CipherSpec>(ICipherContext::SPEC_NULL, CipherAlgo::NULL_CIPHER(),
-                                           CipherMode::NONE(), PaddingType::NONE(), 0, 0, 0, nullptr);
+                                           CipherMode::NONE(), PaddingType::NONE(), 0, 0, 0, nullptr));
     return instance;
 }
 
 std::shared_ptr<const CipherSpec> CipherSpec::AES_128_ECB_PKCS5() {
-    static const auto instance = std::make_shared<const CipherSpec>(
+    static const auto& instance = *new auto(std::make_shared<const CipherSpec>(
         ICipherContext::SPEC_AES_128_ECB, CipherAlgo::AES(), CipherMode::ECB(), PaddingType::PKCS5Padding(),
-        16, 16, 0, EVP_aes_128_ecb());
+        16, 16, 0, EVP_aes_128_ecb()));
     return instance;
 }
 
 std::shared_ptr<const CipherSpec> CipherSpec::AES_128_CBC_PKCS5() {
-    static const auto instance = std::make_shared<const CipherSpec>(
+    static const auto& instance = *new auto(std::make_shared<const CipherSpec>(
         ICipherContext::SPEC_AES_128_CBC, CipherAlgo::AES(), CipherMode::CBC(), PaddingType::PKCS5Padding(),
-        16, 16, 16, EVP_aes_128_cbc());
+        16, 16, 16, EVP_aes_128_cbc()));
     return instance;
 }
 

@@ -1,5 +1,6 @@
 #include "vorl/CipherWrapper.h"
 
+#include "WipeUnlessKept.h"
 #include "core/octet_runs.h"
 #include "envelope.h"
 #include "software_path.h"
@@ -16,6 +17,7 @@
 
 #include <tarvik/crypto/ICipherContext.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <utility>
@@ -28,11 +30,14 @@ namespace {
 
 using Registry = std::map<unsigned char, std::shared_ptr<const CipherWrapper>>;
 
-// Never destroyed: an application's own static objects may clean up the library when the process ends.
+// Never destroyed: an application's own static object may clean up the library when the process ends.
 Registry& wrappers() {
     static auto& registry = *new Registry;
     return registry;
 }
+
+// What a spec may add to the room that is reserved for a ciphertext; a guess is not worth more.
+const unsigned int LARGEST_EXPECTED_BLOCK = 256;
 
 void checkSpec(ICipherContext& ctx, const CipherSpec& spec) {
     if (ctx.id() != spec.spec) {
@@ -80,17 +85,17 @@ private:
 bool CipherWrapper::init_ = false;
 
 std::shared_ptr<const CipherWrapper> CipherWrapper::NULL_CIPHER() {
-    static const auto instance = std::make_shared<const CipherWrapper00>("Null");
+    static const auto& instance = *new auto(std::make_shared<const CipherWrapper00>("Null"));
     return instance;
 }
 
 std::shared_ptr<const CipherWrapper> CipherWrapper::TEST_CIPHER() {
-    static const auto instance = std::make_shared<const CipherWrapper01>("Test");
+    static const auto& instance = *new auto(std::make_shared<const CipherWrapper01>("Test"));
     return instance;
 }
 
 std::shared_ptr<const CipherWrapper> CipherWrapper::FULL_CIPHER() {
-    static const auto instance = std::make_shared<const CipherWrapper02>("Full");
+    static const auto& instance = *new auto(std::make_shared<const CipherWrapper02>("Full"));
     return instance;
 }
 
@@ -143,7 +148,8 @@ bytes CipherWrapper::encrypt(const bytes& data, ICipherContext& ctx) const {
     }
     // Room for the envelope is taken before the cipher takes its own, which is then free again when the
     // envelope goes on to be encoded: large messages make the heap grow less.
-    bytes envelope = beginEnvelope(id(), iv, std::uint64_t{data.size()} + spec->blockSize);
+    bytes envelope = beginEnvelope(
+        id(), iv, std::uint64_t{data.size()} + std::min(spec->blockSize, LARGEST_EXPECTED_BLOCK));
     const bytes updated = ctx.update(data);
     const bytes finished = ctx.final();
     BodyWriter body(envelope, std::uint64_t{updated.size()} + finished.size());
@@ -182,9 +188,11 @@ bytes CipherWrapper::doDecrypt(Buffer& in, ICipherContext& ctx) const {
     refuseUnreadBytes(in, "decrypted data");
     const bytes ciphertext = body.joinIn(std::move(in).toByteArray());
     bytes message = ctx.update(ciphertext);
+    WipeUnlessKept wipe(message);
     const bytes finished = ctx.final();
     message.reserve(message.size() + finished.size());
     message.insert(message.end(), finished.begin(), finished.end());
+    wipe.keep();
     return message;
 }
 

@@ -13,8 +13,8 @@
 #include <optional>
 #include <utility>
 
-// What is handed to OpenSSL lies in blocks of the largest size that it knows for a key or an IV, zero beyond
-// what was given: it reads as much as its cipher takes, whatever the spec says.
+// What is handed to OpenSSL lies in blocks of the size that it reads, zero beyond what was given: it reads as
+// much as its cipher takes, whatever the spec says.
 
 namespace vorl {
 
@@ -58,14 +58,22 @@ struct IvBlock {
     unsigned char octets[EVP_MAX_IV_LENGTH] = {};
 };
 
-struct KeyBlock {
-    explicit KeyBlock(const bytes& key) {
-        std::copy_n(key.data(), std::min<std::size_t>(key.size(), sizeof octets), octets);
+// The key as OpenSSL reads it: as long as its cipher takes, whatever was given.
+class KeyBlock {
+public:
+    KeyBlock(const bytes& key, const EVP_CIPHER* cipher)
+        : octets_(std::max({key.size(), std::size_t{EVP_MAX_KEY_LENGTH},
+                            static_cast<std::size_t>(EVP_CIPHER_key_length(cipher))})) {
+        std::copy(key.begin(), key.end(), octets_.begin());
     }
-    ~KeyBlock() { OPENSSL_cleanse(octets, sizeof octets); }
+    ~KeyBlock() { OPENSSL_cleanse(octets_.data(), octets_.size()); }
     KeyBlock(const KeyBlock&) = delete;
     KeyBlock& operator=(const KeyBlock&) = delete;
-    unsigned char octets[EVP_MAX_KEY_LENGTH] = {};
+
+    const unsigned char* octets() const { return octets_.data(); }
+
+private:
+    bytes octets_;
 };
 
 const unsigned char ZERO_IV[EVP_MAX_IV_LENGTH] = {};
@@ -77,7 +85,8 @@ SoftwareKeyCipher::SoftwareKeyCipher(std::shared_ptr<const CipherSpec> spec, con
     : Cipher(std::move(spec)),
       ignoresIv(modeTakesNoIv(*spec_)),
       feedsIv(cipherTakesIv(*spec_)),
-      restartsInSilence(isAes128(*spec_)),
+      isAes(isAes128(*spec_)),
+      restartsWithIv(isAes || feedsIv),
       key(theKey, theKey + keyLen) {
     initObj();
 }
@@ -86,7 +95,8 @@ SoftwareKeyCipher::SoftwareKeyCipher(std::shared_ptr<const CipherSpec> spec, con
     : Cipher(std::move(spec)),
       ignoresIv(modeTakesNoIv(*spec_)),
       feedsIv(cipherTakesIv(*spec_)),
-      restartsInSilence(isAes128(*spec_)),
+      isAes(isAes128(*spec_)),
+      restartsWithIv(isAes || feedsIv),
       key(theKey) {
     initObj();
 }
@@ -120,7 +130,7 @@ bytes SoftwareKeyCipher::update(const bytes& data) {
     out.reserve(data.size() + EVP_MAX_BLOCK_LENGTH);
     bool succeeded = started;
     for (std::size_t done = 0; succeeded && done < data.size();) {
-        const std::size_t piece = std::min(data.size() - done, CACHED_PIECE);
+        const std::size_t piece = std::min(data.size() - done, isAes ? CACHED_PIECE : MAX_PIECE);
         const std::size_t at = out.size();
         out.resize(at + piece + EVP_MAX_BLOCK_LENGTH);
         std::size_t produced = 0;
@@ -203,9 +213,9 @@ void SoftwareKeyCipher::start(const unsigned char* iv) {
         iv = ZERO_IV;
     }
 
-    if (!keyed[decrypting]) {
+    if (!keyed[decrypting] || !restartsWithIv) {
         started = setKey(iv);
-    } else if (restartsInSilence) {
+    } else if (isAes) {
         started = restart(iv);
     } else {
         const ErrorQueueMark mark;
@@ -220,13 +230,17 @@ bool SoftwareKeyCipher::restart(const unsigned char* iv) {
 
 bool SoftwareKeyCipher::setKey(const unsigned char* iv) {
     const auto init = decrypting != 0 ? EVP_DecryptInit_ex : EVP_EncryptInit_ex;
+    const EVP_CIPHER* const cipher = spec_->evpCipher;
     auto& context = ctx[decrypting];
     const ErrorQueueMark mark;
-    const KeyBlock block(key);
-    keyed[decrypting] = context != nullptr && spec_->evpCipher != nullptr &&
-                        init(context.get(), spec_->evpCipher, nullptr, block.octets, iv) != 0;
-    if (!keyed[decrypting]) {
+    if (context == nullptr) {
         context.reset(EVP_CIPHER_CTX_new());
+    }
+    keyed[decrypting] = context != nullptr && cipher != nullptr &&
+                        init(context.get(), cipher, nullptr, KeyBlock(key, cipher).octets(), iv) != 0;
+    if (!keyed[decrypting]) {
+        // What is left of it is not used again.
+        context.reset();
     }
     return keyed[decrypting];
 }

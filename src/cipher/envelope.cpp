@@ -9,6 +9,7 @@ namespace vorl {
 
 namespace {
 
+const std::uint64_t LARGEST_SIZE = 0xffffffff;
 const char TOO_LONG[] = "CipherWrapper: an envelope would pass 2^32-1 bytes";
 
 }  // namespace
@@ -16,7 +17,7 @@ const char TOO_LONG[] = "CipherWrapper: an envelope would pass 2^32-1 bytes";
 bytes beginEnvelope(unsigned char version, const bytes& iv, std::uint64_t bodyOctets) {
     const std::uint64_t size = 1 + encodedBlockSize(iv.size()) + encodedBlockSize(bodyOctets);
     bytes envelope;
-    envelope.reserve(index32(size, TOO_LONG));
+    envelope.reserve(static_cast<std::size_t>(std::min(size, LARGEST_SIZE)));
     envelope.assign(1, version);
     BodyWriter(envelope, iv.size()).append(iv);
     return envelope;

@@ -14,8 +14,8 @@ namespace vorl {
 //   IV        OctetString, absent where the cipher takes none
 //   body      OctetString, the ciphertext; in the null envelope the message
 
-/// The envelope up to its body, with room reserved for `bodyOctets` more octets and their determinants.
-/// Throws std::length_error where the whole would pass 2^32 - 1 bytes.
+/// The envelope up to its body, with room reserved for `bodyOctets` more octets and their determinants: a
+/// hint, which the body need not keep to.
 bytes beginEnvelope(unsigned char version, const bytes& iv, std::uint64_t bodyOctets);
 
 /// Writes an OctetString of a known length behind an envelope, piece by piece.

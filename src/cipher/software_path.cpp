@@ -1,5 +1,6 @@
 #include "software_path.h"
 
+#include "WipeUnlessKept.h"
 #include "envelope.h"
 #include "unread_bytes.h"
 #include "vorl/Buffer.h"
@@ -23,25 +24,6 @@ const std::size_t BLOCK = 16;
 // Work goes in pieces that stay in the first-level cache between the pass that provides storage and the
 // cipher's. A multiple of the block, and every fragment but the last is a multiple of it.
 const std::size_t PIECE = std::size_t{4} * 1024;
-
-// Wipes its bytes at the end of the scope unless told that they have become the result.
-class WipeUnlessKept {
-public:
-    explicit WipeUnlessKept(bytes& storage) : storage_(storage) {}
-    ~WipeUnlessKept() {
-        if (!kept_) {
-            OPENSSL_cleanse(storage_.data(), storage_.size());
-        }
-    }
-    WipeUnlessKept(const WipeUnlessKept&) = delete;
-    WipeUnlessKept& operator=(const WipeUnlessKept&) = delete;
-
-    void keep() { kept_ = true; }
-
-private:
-    bytes& storage_;
-    bool kept_ = false;
-};
 
 }  // namespace
 

@@ -19,7 +19,7 @@ namespace {
 
 using Policy = std::map<std::shared_ptr<const EncryptionType>, bool>;
 
-// Never destroyed: an application's own static objects may use the library until the process ends.
+// Never destroyed: an application's own static object may clean up the library when the process ends.
 Policy& allowedEncryption() {
     static auto& policy = *new Policy;
     return policy;

@@ -61,8 +61,10 @@ bytes ivOf(const bytes& envelope) {
     return slice(envelope, 2, 16);
 }
 
-const Wrapper NAMED[] = {CipherWrapper::NULL_CIPHER(), CipherWrapper::TEST_CIPHER(),
-                         CipherWrapper::FULL_CIPHER()};
+// Not an object, which would make them all before the first test.
+std::vector<Wrapper> named() {
+    return {CipherWrapper::NULL_CIPHER(), CipherWrapper::TEST_CIPHER(), CipherWrapper::FULL_CIPHER()};
+}
 
 // The registry alone, without the front of the library.
 class CipherWrapperRegistry : public ::testing::Test {
@@ -134,8 +136,8 @@ TEST(CipherWrapper, PrintsNameAndVersion) {
 }
 
 TEST(CipherWrapper, EqualityIsIdentity) {
-    for (const Wrapper& one : NAMED) {
-        for (const Wrapper& other : NAMED) {
+    for (const Wrapper& one : named()) {
+        for (const Wrapper& other : named()) {
             EXPECT_EQ(*one == *other, one == other);
             EXPECT_EQ(*one != *other, one != other);
         }
@@ -339,7 +341,7 @@ TEST_F(CipherWrapperTest, EachVersionNeedsAContextOfItsSpec) {
             EXPECT_EQ(messageOf<VORLException>([&] { CipherWrapper::decrypt(bytes{version}, context); }),
                       SPEC_MISMATCH);
             if (version != 0) {
-                EXPECT_EQ(messageOf<VORLException>([&] { NAMED[version]->encrypt(octets(3), context); }),
+                EXPECT_EQ(messageOf<VORLException>([&] { named()[version]->encrypt(octets(3), context); }),
                           SPEC_MISMATCH);
             }
             EXPECT_TRUE(context.calls.empty());
@@ -829,6 +831,16 @@ TEST_F(CipherWrapperTest, TextsDoNotFollowTheGlobalLocale) {
               "SoftwareKeyCipher key size (1024) != CipherSpec key size (16)");
     EXPECT_EQ(messageOf<VORLException>([&] { longKey.encryptInit(octets(2048)); }),
               "input IV size (2048) != CipherSpec IV size (16)");
+}
+
+// An init comes before the body on both ways, so that a context is left in no operation of before.
+TEST_F(CipherWrapperTest, DecryptionIsStartedBeforeTheBodyIsReadOnTheShortCutToo) {
+    SoftwareKeyCipher cipher(CipherSpec::AES_128_CBC_PKCS5(), KEY);
+    cipher.encryptInit(IV);
+    cipher.update(octets(5));
+    EXPECT_EQ(messageOf<ASN1Exception>([&] { CipherWrapper::decrypt(bytes{0x02} + block(IV), cipher); }),
+              "index out of bounds: read index(18) >= write index(18)");
+    EXPECT_EQ(messageOf<OpenSSLException>([&] { cipher.final(); }), "failed EVP final operation");
 }
 
 }  // namespace vorl::test

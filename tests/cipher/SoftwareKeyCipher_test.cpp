@@ -524,7 +524,7 @@ const OtherCipher OTHER_CIPHERS[] = {
     {"Aes192Cbc", EVP_aes_192_cbc},    {"Aes256Cbc", EVP_aes_256_cbc},
     {"Aes256Ecb", EVP_aes_256_ecb},    {"Camellia128", EVP_camellia_128_cbc},
     {"TripleDes", EVP_des_ede3_cbc},   {"ChaCha20", EVP_chacha20},
-    {"Aria256Ctr", EVP_aria_256_ctr},
+    {"Aria256Ctr", EVP_aria_256_ctr},  {"Aes128Xts", EVP_aes_128_xts},
 };
 
 class SoftwareKeyCipherOfOpenSSL : public ::testing::TestWithParam<OtherCipher> {
@@ -555,6 +555,18 @@ TEST_P(SoftwareKeyCipherOfOpenSSL, StartsAfreshAfterFinishedAndAbandonedOperatio
         cipher.decryptInit(otherIv);
         cipher.update(octets(21));
         EXPECT_EQ(decryptWith(cipher, iv_, encrypted), octets(45));
+    }
+}
+
+// XTS takes each call as a unit of its own, so that data that is cut would come out otherwise.
+TEST_P(SoftwareKeyCipherOfOpenSSL, IsFedAllTheDataInOneCall) {
+    SoftwareKeyCipher cipher(
+        ownSpec(cipher_, keySize_, blockSize_, ivSize_, ivSize_ == 0 ? CipherMode::ECB() : CipherMode::CBC()),
+        key_);
+    for (const std::size_t size : {4097U, 8193U, 20000U}) {
+        EXPECT_TRUE(encryptWith(cipher, iv_, octets(size)) ==
+                    rawCipher(cipher_, true, key_, iv_, octets(size)))
+            << size;
     }
 }
 
@@ -644,8 +656,13 @@ int failAtZero(int& countdown) {
     return 1;
 }
 
-int faultyInit(EVP_CIPHER_CTX* /*ctx*/, const unsigned char* /*key*/, const unsigned char* /*iv*/,
-               int /*enc*/) {
+// Whatever key OpenSSL hands to the cipher, as far as it is to be read.
+bytes keyOfCipher;
+
+int faultyInit(EVP_CIPHER_CTX* ctx, const unsigned char* key, const unsigned char* /*iv*/, int /*enc*/) {
+    if (key != nullptr) {
+        keyOfCipher.assign(key, key + EVP_CIPHER_CTX_key_length(ctx));
+    }
     return failAtZero(fault.initsUntilFailure);
 }
 
@@ -668,6 +685,14 @@ protected:
 
     const EVP_CIPHER* faulty() const { return method_.get(); }
 
+    static std::unique_ptr<EVP_CIPHER, decltype(&EVP_CIPHER_meth_free)> withKeyOf(int keyOctets) {
+        std::unique_ptr<EVP_CIPHER, decltype(&EVP_CIPHER_meth_free)> method(
+            EVP_CIPHER_meth_new(NID_undef, 16, keyOctets), EVP_CIPHER_meth_free);
+        EVP_CIPHER_meth_set_init(method.get(), faultyInit);
+        EVP_CIPHER_meth_set_do_cipher(method.get(), faultyStep);
+        return method;
+    }
+
     void expectFailedStart(SoftwareKeyCipher& cipher) {
         EXPECT_EQ(cipher.update(octets(15)), bytes());
         EXPECT_EQ(messageOf<OpenSSLException>([&] { cipher.update(octets(16)); }),
@@ -687,6 +712,47 @@ TEST_F(FaultyCipherTest, CopiesAsLongAsItIsNotTold) {
     cipher.encryptInit(IV);
     EXPECT_EQ(cipher.update(octets(32)), octets(32));
     EXPECT_EQ(cipher.final(), bytes(16, 0x10));
+}
+
+// Longer than any key of OpenSSL's own ciphers.
+TEST_F(FaultyCipherTest, KeyOfAnyLengthReachesTheCipherWhole) {
+    const auto method = withKeyOf(100);
+    SoftwareKeyCipher whole(ownSpec(method.get(), 100, 16, 0, CipherMode::NONE()), octets(100));
+    whole.encryptInit({});
+    EXPECT_EQ(keyOfCipher, octets(100));
+
+    SoftwareKeyCipher shortKey(ownSpec(method.get(), 100, 16, 0, CipherMode::NONE()), octets(70));
+    shortKey.decryptInit({});
+    EXPECT_EQ(keyOfCipher, sized(octets(70), 100));
+}
+
+// Without an IV, nothing but the key takes a stream back to its beginning.
+TEST_F(FaultyCipherTest, CipherWithoutAnIvIsKeyedAtEachStart) {
+    const auto method = withKeyOf(16);
+    SoftwareKeyCipher cipher(ownSpec(method.get(), 16, 16, 0, CipherMode::NONE()), KEY);
+    for (int round = 0; round < 3; ++round) {
+        keyOfCipher.clear();
+        cipher.encryptInit({});
+        EXPECT_EQ(keyOfCipher, KEY) << round;
+    }
+}
+
+TEST_F(FaultyCipherTest, FailureInLongDataIsThatOfOneCall) {
+    SoftwareKeyCipher cipher(ownSpec(faulty(), 16, 16, 16), KEY);
+    cipher.encryptInit(IV);
+    fault.stepsUntilFailure = 0;
+    EXPECT_EQ(messageOf<OpenSSLException>([&] { cipher.update(octets(20000)); }),
+              "failed EVP update, no output with input >= blocksize");
+}
+
+TEST_F(SoftwareKeyCipherTest, InitObjGoesBackToTheBeginning) {
+    SoftwareKeyCipher cipher(cbc(), KEY);
+    cipher.decryptInit(IV);
+    cipher.update(octets(5));
+    cipher.initObj();
+    EXPECT_EQ(messageOf<OpenSSLException>([&] { cipher.final(); }), "failed EVP final operation");
+    EXPECT_EQ(cipher.update(octets(15)), bytes());
+    EXPECT_EQ(encryptWith(cipher, IV, octets(20)), rawEncrypt(KEY, IV, octets(20)));
 }
 
 TEST_F(FaultyCipherTest, FailedInitIsRememberedAndTheNextOneStartsAfresh) {
@@ -909,28 +975,12 @@ TEST_F(SoftwareKeyCipherTest, StorageFormsYieldTheSameBytes) {
     EXPECT_EQ(slice(out, 0, written), message);
 }
 
-TEST_F(SoftwareKeyCipherTest, StorageFormsMayWorkInPlace) {
-    SoftwareKeyCipher cipher(cbc(), KEY);
-    const bytes message = octets(70000);
-    bytes store = message;
-    store.resize(message.size() + 32);
-
-    cipher.encryptInit(IV);
-    std::size_t written = cipher.update(store.data(), message.size(), store.data());
-    written += cipher.final(store.data() + written);
-    EXPECT_TRUE(slice(store, 0, written) == rawEncrypt(KEY, IV, message));
-
-    cipher.decryptInit(IV);
-    written = cipher.update(store.data(), written, store.data());
-    written += cipher.final(store.data() + written);
-    EXPECT_TRUE(slice(store, 0, written) == message);
-}
-
 TEST_F(SoftwareKeyCipherTest, StorageFormsFailLikeTheOthers) {
     SoftwareKeyCipher cipher(cbc(), KEY);
+    const bytes data(64);
     bytes out(64);
-    EXPECT_EQ(cipher.update(out.data(), 15, out.data()), 0U);
-    EXPECT_EQ(messageOf<OpenSSLException>([&] { cipher.update(out.data(), 16, out.data()); }),
+    EXPECT_EQ(cipher.update(data.data(), 15, out.data()), 0U);
+    EXPECT_EQ(messageOf<OpenSSLException>([&] { cipher.update(data.data(), 16, out.data()); }),
               "failed EVP update, no output with input >= blocksize");
     EXPECT_EQ(messageOf<OpenSSLException>([&] { cipher.final(out.data()); }), "failed EVP final operation");
 }

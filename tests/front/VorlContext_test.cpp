@@ -16,10 +16,13 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <memory>
 #include <string>
+#include <thread>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace vorl::test {
 
@@ -337,6 +340,26 @@ TEST_F(VorlContextTest, DamagedTextOpensOrIsRefused) {
         }
     }
     EXPECT_TRUE(opens(context, text));
+}
+
+// Each thread has a context of its own; what they share is read only.
+TEST_F(VorlContextTest, ContextsOfDifferentThreadsDoNotDisturbEachOther) {
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (unsigned char i = 0; i < 8; ++i) {
+        threads.emplace_back([&wrong, i] {
+            VorlContext context(bytes(16, i));
+            for (std::size_t size = 0; size < 100; ++size) {
+                if (context.decrypt(context.encrypt(bytes(size, i))) != bytes(size, i)) {
+                    ++wrong;
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(wrong, 0);
 }
 
 }  // namespace vorl::test

@@ -3,6 +3,8 @@
 #include "raw_base64.h"
 #include "raw_openssl.h"
 #include "vorl/Buffer.h"
+#include "vorl/CipherSpec.h"
+#include "vorl/EncryptionType.h"
 #include "vorl/Env.h"
 #include "vorl/Random.h"
 #include "vorl/UInt16.h"
@@ -102,6 +104,22 @@ private:
     std::unique_ptr<VorlContext> context_;
 };
 
+// Made before the library is used for the first time, and destroyed after all that the library makes then.
+class LateUser {
+public:
+    LateUser() = default;
+    ~LateUser() {
+        if (CipherSpec::AES_128_CBC_PKCS5()->toString() !=
+                "[CipherSpec:AES_128_[CipherMode:CBC]_PKCS5Padding]" ||
+            EncryptionType::NULL_CIPHER()->toString() != "EncryptionType[None:CipherWrapper[Null:0x00]]") {
+            std::_Exit(1);
+        }
+    }
+    LateUser(const LateUser&) = delete;
+    LateUser& operator=(const LateUser&) = delete;
+};
+
+LateUser lateUser;
 StaticUser user;
 
 const UInt8 Fields::OCTET(0x12);

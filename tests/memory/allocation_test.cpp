@@ -342,6 +342,10 @@ TEST_F(Allocations, FailedDecryptLeavesNoPlaintextInReleasedStorage) {
             EXPECT_EQ(messageOf<OpenSSLException>([&] { context.decrypt(text); }),
                       "failed EVP final operation");
             EXPECT_EQ(watch.released(), 0U) << repeats;
+            ForwardingContext foreign(cipherOf(level, KEY));
+            EXPECT_EQ(messageOf<OpenSSLException>([&] { CipherWrapper::decrypt(damaged, foreign); }),
+                      "failed EVP final operation");
+            EXPECT_EQ(watch.released(), 0U) << repeats << ", through another context";
         }
     }
 }

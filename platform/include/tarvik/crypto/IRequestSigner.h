@@ -12,8 +12,7 @@ namespace tarvik::crypto {
 class TARVIK_API IRequestSigner {
 public:
     virtual ~IRequestSigner() = default;
-    /// Adds a signature to `request`. What `s` means is the platform's to say; the software platform takes it
-    /// as the identifier of the key.
+    /// Adds a signature to `request`. What `s` means is the platform's to say.
     virtual void sign(const std::string& s, tarvik::http::IHttpStream::Request& request) = 0;
     /// Whether the response carries a signature that holds.
     virtual bool verify(const std::string& s, tarvik::http::IHttpStream& stream) = 0;

@@ -2,7 +2,7 @@
 # Sourced by the other scripts: where the project is, what a step looks like, and how a missing package is had.
 
 set -euo pipefail
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+root=$(CDPATH="" cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." >/dev/null && pwd)
 
 # What building and testing need, beyond a base Debian 12.
 build_packages=(g++ cmake ninja-build libssl-dev libcli11-dev nlohmann-json3-dev)
@@ -23,7 +23,7 @@ as_root() {
     elif command -v sudo >/dev/null; then
         sudo "$@"
     else
-        fail "this needs root and there is no sudo: $*"
+        fail "not root, and there is no sudo; please run as root: $*"
     fi
 }
 
@@ -45,7 +45,6 @@ need() {
 build() { # PRESET [BUILD OPTIONS...]
     local preset=$1
     shift
-    say "Building ($preset)"
     (cd "$root" && cmake --preset "$preset" >/dev/null && cmake --build --preset "$preset" "$@")
 }
 

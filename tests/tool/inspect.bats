@@ -164,6 +164,8 @@ malformed() {
     malformed 0210$IV_HEX 18 "the input ends where the length of the body is expected"
     malformed 0210${IV_HEX}10aabbcc 19 "the body is cut short: 16 bytes announced, 3 there"
     malformed 0210${IV_HEX}10${IV_HEX}ffff 35 "the envelope ends here, but 2 more bytes follow"
+    malformed 0210${IV_HEX}10${IV_HEX}ff 35 "the envelope ends here, but 1 more byte follows"
+    malformed 0201aa10$IV_HEX 1 "the iv has 1 byte, 16 are needed"
     malformed 0208000102030405060710$IV_HEX 1 "the iv has 8 bytes, 16 are needed"
     malformed 7f00 0 "unknown version 0x7f"
 }

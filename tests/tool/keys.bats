@@ -51,10 +51,12 @@ envelope() {
 
 @test "a key of a wrong size is refused with both sizes" {
     for size in 1 15 17 32; do
+        local has="$size bytes"
+        [ $size != 1 ] || has="1 byte"
         bytes_of $size >raw
-        refuses 3 "'raw': the key has $size bytes, 16 are needed" "" vorl protect -k raw key
+        refuses 3 "'raw': the key has $has, 16 are needed" "" vorl protect -k raw key
         hex raw >hex
-        refuses 3 "'hex': the key has $size bytes, 16 are needed" "it was read as hex; $ANOTHER_FORMAT" \
+        refuses 3 "'hex': the key has $has, 16 are needed" "it was read as hex; $ANOTHER_FORMAT" \
             vorl protect -k hex key
     done
     bytes_of 15 | base64_text >base64
@@ -65,8 +67,8 @@ envelope() {
 @test "an empty key file is refused with both sizes" {
     refuses 3 "'/dev/null': the key has 0 bytes, 16 are needed" "" vorl protect -k /dev/null key
     echo >line
-    refuses 3 "'line': the key has 1 bytes, 16 are needed" "" vorl protect -k line key
-    refuses 3 "'line': the key has 1 bytes, 16 are needed" "" vorl protect -k line --key-format raw key
+    refuses 3 "'line': the key has 1 byte, 16 are needed" "" vorl protect -k line key
+    refuses 3 "'line': the key has 1 byte, 16 are needed" "" vorl protect -k line --key-format raw key
 }
 
 @test "a file that could be read in two ways is never guessed at" {
@@ -76,6 +78,25 @@ envelope() {
     printf 'sixteen/letters+' >letters
     refuses 2 "'letters': the key can be read as base64 (12 bytes) or as raw (16 bytes)" "$ANOTHER_FORMAT" \
         vorl protect -k letters key
+}
+
+@test "a password and its newline are not taken for raw bytes unasked" {
+    local hint="--key-format raw takes it as it is, with the newline"
+    for text in password1234567 0123456789abcde ABCDEFGHIJKLMNO '~~~~~~~~~~~~~~ '; do
+        printf '%s\n' "$text" >pw
+        refuses 2 "'pw': the key can be read as raw (16 bytes), but looks like a text of 15 characters and a newline" \
+            "$hint" vorl protect -k pw note
+        succeeds vorl protect -k pw --key-format raw note
+    done
+    printf 'password123456\r\n' >pw
+    refuses 2 "'pw': the key can be read as raw (16 bytes), but looks like a text of 14 characters and a newline" \
+        "$hint" vorl protect -k pw note
+    # One byte that no text has is enough, and so is an end other than a newline.
+    for raw in 'password123456\x7f\n' 'password\x1f234567\n' 'passw\xc3\xb6rd123456\n' 'password1234567\r'; do
+        # shellcheck disable=SC2059
+        printf "$raw" >pw
+        succeeds vorl protect -k pw note
+    done
 }
 
 @test "--key-format settles it" {

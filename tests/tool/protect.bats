@@ -85,20 +85,20 @@ comes_back() {
 
 @test "messages whose body would not be closed are refused at full and test, with what helps" {
     for level in full test; do
-        refuses_size $level 16368 "add 16 or remove 1 bytes"
-        refuses_size $level 16375 "add 9 or remove 8 bytes"
-        refuses_size $level 16383 "add 1 or remove 16 bytes"
-        refuses_size $level 32752 "add 16 or remove 1 bytes"
-        refuses_size $level 131071 "add 1 or remove 16 bytes"
+        refuses_size $level 16368 "add 16 bytes or remove 1 byte"
+        refuses_size $level 16375 "add 9 bytes or remove 8 bytes"
+        refuses_size $level 16383 "add 1 byte or remove 16 bytes"
+        refuses_size $level 32752 "add 16 bytes or remove 1 byte"
+        refuses_size $level 131071 "add 1 byte or remove 16 bytes"
     done
 }
 
 @test "the advice helps at full and test, and one byte less of it does not" {
     for level in full test; do
         comes_back $level $((16368 + 16))
-        refuses_size $level $((16368 + 15)) "add 1 or remove 16 bytes"
+        refuses_size $level $((16368 + 15)) "add 1 byte or remove 16 bytes"
         comes_back $level $((16383 - 16))
-        refuses_size $level $((16383 - 15)) "add 16 or remove 1 bytes"
+        refuses_size $level $((16383 - 15)) "add 16 bytes or remove 1 byte"
         comes_back $level $((16375 + 9))
         comes_back $level $((16375 - 8))
     done

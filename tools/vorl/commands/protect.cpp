@@ -1,5 +1,6 @@
 #include "commands/commands.h"
 #include "inspect/levels.h"
+#include "inspect/numbers.h"
 #include "inspect/structure.h"
 #include "shared/KeyFile.h"
 #include "shared/ToolError.h"
@@ -56,10 +57,9 @@ std::uint64_t distanceToReadable(std::uint64_t messageBytes, std::uint64_t step,
     const std::uint64_t added = distanceToReadable(messageBytes, 1, level.spec());
     const std::uint64_t removed = distanceToReadable(messageBytes, ~std::uint64_t{0}, level.spec());
     const std::string both = added == removed
-                                 ? "add or remove " + std::to_string(added)
-                                 : "add " + std::to_string(added) + " or remove " + std::to_string(removed);
-    throw ToolError(ExitStatus::BAD_INPUT, "a message of " + std::to_string(messageBytes) + " bytes" + end +
-                                               both + (added == 1 && removed == 1 ? " byte" : " bytes"));
+                                 ? "add or remove " + bytesText(added)
+                                 : "add " + bytesText(added) + " or remove " + bytesText(removed);
+    throw ToolError(ExitStatus::BAD_INPUT, "a message of " + bytesText(messageBytes) + end + both);
 }
 
 ExitStatus protect(const ProtectOptions& options) {

@@ -1,5 +1,6 @@
 #include "inspect/FieldReader.h"
 
+#include "inspect/numbers.h"
 #include "vorl/Util.h"
 
 #include <algorithm>
@@ -15,10 +16,6 @@ namespace vorl::tool {
 namespace {
 
 const std::uint64_t FRAGMENT_UNIT = 16384;
-
-std::string octetsText(std::uint64_t octets) {
-    return std::to_string(octets) + (octets == 1 ? " byte" : " bytes");
-}
 
 }  // namespace
 
@@ -76,7 +73,7 @@ std::optional<FieldReader::Fragment> FieldReader::readLength(const std::string& 
     if (atEnd()) {
         setProblem(begin, before == 0 ? "the input ends where the length of the " + name + " is expected"
                                       : "the " + name + " is not closed: a length must follow its " +
-                                            octetsText(before) + ", an exact multiple of 16384");
+                                            bytesText(before) + ", an exact multiple of 16384");
         return std::nullopt;
     }
     const unsigned char head = in_.get();
@@ -102,7 +99,7 @@ FieldReader::Fragment FieldReader::addLength(std::uint64_t begin, const std::str
                                              unsigned int number, const Fragment& fragment,
                                              const std::string& remark) {
     const bool isFragmented = number > 1 || !fragment.last;
-    addField(begin, name + ".length", isFragmented ? number : 0, octetsText(fragment.octets) + remark);
+    addField(begin, name + ".length", isFragmented ? number : 0, bytesText(fragment.octets) + remark);
     return fragment;
 }
 
@@ -115,7 +112,7 @@ bool FieldReader::readContent(const std::string& name, unsigned int number, std:
         addField(begin, name, number, isWhole ? meaning : meaning + ", cut short");
     }
     if (!isWhole) {
-        setProblem(begin, "the " + name + " is cut short: " + octetsText(octets) + " announced, " +
+        setProblem(begin, "the " + name + " is cut short: " + bytesText(octets) + " announced, " +
                               std::to_string(available) + " there");
     }
     return isWhole;

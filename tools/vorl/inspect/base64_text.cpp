@@ -41,7 +41,8 @@ Problem whyRefused(const bytes& text) {
     }
     if (text.size() % 4 != 0) {
         return {text.size(), "the text has " + std::to_string(text.size()) +
-                                 " characters, which is no multiple of 4: something is missing"};
+                                 (text.size() == 1 ? " character" : " characters") +
+                                 ", which is no multiple of 4: something is missing"};
     }
     const auto padding = std::find(text.begin(), text.end(), static_cast<unsigned char>('='));
     if (text.end() - padding > 2 || std::any_of(padding, text.end(), isOfAlphabet)) {

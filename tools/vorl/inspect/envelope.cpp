@@ -2,6 +2,7 @@
 
 #include "inspect/FieldReader.h"
 #include "inspect/levels.h"
+#include "inspect/numbers.h"
 #include "inspect/structure.h"
 #include "vorl/CipherSpec.h"
 #include "vorl/Util.h"
@@ -28,8 +29,8 @@ bool readIv(FieldReader& reader, const CipherSpec& spec) {
     const std::uint64_t begin = reader.offset();
     const std::optional<std::uint64_t> size = reader.readBlock("iv", "initialisation vector");
     if (size && *size != spec.ivSize) {
-        reader.setProblem(begin, "the iv has " + std::to_string(*size) + " bytes, " +
-                                     std::to_string(spec.ivSize) + " are needed");
+        reader.setProblem(
+            begin, "the iv has " + bytesText(*size) + ", " + std::to_string(spec.ivSize) + " are needed");
     }
     return size.has_value();
 }
@@ -86,8 +87,9 @@ void readTrailer(FieldReader& reader) {
     const std::uint64_t end = reader.offset();
     reader.readRest("trailing", "belongs to nothing");
     if (reader.offset() > end) {
-        reader.setProblem(end, "the envelope ends here, but " + std::to_string(reader.offset() - end) +
-                                   " more bytes follow");
+        reader.setProblem(end,
+                          "the envelope ends here, but " + std::to_string(reader.offset() - end) +
+                              (reader.offset() - end == 1 ? " more byte follows" : " more bytes follow"));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "shared/key_formats.h"
 
 #include "inspect/base64_text.h"
+#include "inspect/numbers.h"
 #include "shared/ToolError.h"
 
 #include <algorithm>
@@ -55,19 +56,35 @@ std::vector<Reading> readingsOf(const SecretBytes& content) {
 
 [[noreturn]] void refuseSize(const std::string& source, const std::string& format, std::size_t size,
                              std::size_t neededBytes) {
-    throw ToolError(ExitStatus::BAD_INPUT,
-                    source + ": the key has " + std::to_string(size) + " bytes, " +
-                        std::to_string(neededBytes) + " are needed",
-                    format == "raw" ? "" : "it was read as " + format + "; " + ANOTHER_FORMAT);
+    throw ToolError(
+        ExitStatus::BAD_INPUT,
+        source + ": the key has " + bytesText(size) + ", " + std::to_string(neededBytes) + " are needed",
+        format == "raw" ? "" : "it was read as " + format + "; " + ANOTHER_FORMAT);
 }
 
 [[noreturn]] void refuseAmbiguity(const std::string& source, const std::vector<Reading>& readings) {
     std::string forms;
     for (const Reading& reading : readings) {
-        forms += (forms.empty() ? "" : " or as ") + reading.format + " (" +
-                 std::to_string(reading.key.size()) + " bytes)";
+        forms +=
+            (forms.empty() ? "" : " or as ") + reading.format + " (" + bytesText(reading.key.size()) + ")";
     }
     throw ToolError(ExitStatus::USAGE, source + ": the key can be read as " + forms, ANOTHER_FORMAT);
+}
+
+// A password and the newline that the editor put behind it, where no more than the size is right for a key.
+bool isLineOfText(const bytes& content) {
+    const std::size_t size = sizeWithoutNewline(content);
+    return size < content.size() &&
+           std::all_of(content.begin(), content.begin() + static_cast<std::ptrdiff_t>(size),
+                       [](unsigned char c) { return c >= 0x20 && c < 0x7f; });
+}
+
+[[noreturn]] void refuseLine(const std::string& source, const bytes& line) {
+    throw ToolError(ExitStatus::USAGE,
+                    source + ": the key can be read as raw (" + bytesText(line.size()) +
+                        "), but looks like a text of " + std::to_string(sizeWithoutNewline(line)) +
+                        " characters and a newline",
+                    "--key-format raw takes it as it is, with the newline");
 }
 
 // Which of the readings is meant, where the user has not said it.
@@ -82,6 +99,9 @@ Reading& meantOf(std::vector<Reading>& readings, std::size_t neededBytes, const 
     // random bytes, as likely as not, so that a text is not taken for one unasked.
     if (fitting > 1 || (meant->format == "raw" && readings.size() > 1)) {
         refuseAmbiguity(source, readings);
+    }
+    if (meant->format == "raw" && isLineOfText(meant->key.get())) {
+        refuseLine(source, meant->key.get());
     }
     return *meant;
 }

@@ -8,12 +8,65 @@ protect_to() {
 }
 
 @test "a protected message may be read by whom the umask lets" {
-    for mask in 022 027 077 002; do
-        rm -f out
-        umask $mask
-        protect_to out
-        equals "$(stat -c %a out)" "$(printf '%o' $((0666 & ~0$mask)))"
+    for level in full test; do
+        for mask in 022 027 077 002; do
+            rm -f out
+            umask $mask
+            vorl protect -k key --level $level note -o out
+            equals "$(stat -c %a out)" "$(printf '%o' $((0666 & ~0$mask)))"
+        done
     done
+}
+
+@test "a message that is in an envelope without protection may be read by its owner only" {
+    umask 000
+    for raw in "" --raw; do
+        rm -f out
+        # shellcheck disable=SC2086
+        vorl protect --level none $raw note -o out
+        equals "$(stat -c %a out)" 600
+    done
+}
+
+# replaced MODE: the mode of the file that replaces one of this mode.
+replaced() {
+    rm -f out
+    touch out
+    chmod "$1" out
+    vorl protect -k key note -o out
+    stat -c %a out
+}
+
+@test "a file that replaces another is open to nobody to whom that was closed" {
+    equals "$(replaced 600)" 600
+    equals "$(replaced 640)" 640
+    equals "$(replaced 666)" 644
+    equals "$(replaced 777)" 644
+    equals "$(replaced 4755)" 644
+    vorl protect -k key note -o text
+    rm out
+    touch out
+    chmod 200 out
+    vorl unprotect -k key text -o out
+    equals "$(stat -c %a out)" 200
+}
+
+@test "a file that may not be written is not replaced" {
+    needs_unprivileged
+    mkdir folder
+    echo old >folder/out
+    ln -s out folder/link
+    chmod 444 folder/out
+    chmod 777 folder
+    if [ "$(id -u)" -eq 0 ]; then
+        chown 65534 folder/out
+    fi
+    for path in folder/out folder/link; do
+        refuses 5 "cannot write '$path': Permission denied" "" \
+            unprivileged "$VORL" protect --level none note -o $path
+    done
+    equals "$(cat folder/out)" old
+    equals "$(left_behind folder out link)" ""
 }
 
 @test "an opened message may be read by its owner only" {
@@ -63,6 +116,27 @@ protect_to() {
     refuses 5 "cannot write 'link': it is a link to something that is not there" "" protect_to link
     [ -L link ]
     equals "$(left_behind . key link)" ""
+}
+
+@test "a link that leads in a circle is told as what it is" {
+    ln -s loop other
+    ln -s other loop
+    refuses 5 "cannot write 'loop': Too many levels of symbolic links" "" protect_to loop
+    [ -L loop ] && [ -L other ]
+}
+
+@test "a link into a folder that may not be entered is told as what it is" {
+    needs_unprivileged
+    mkdir closed
+    echo old >closed/out
+    ln -s closed/out link
+    chmod 700 closed
+    if [ "$(id -u)" -ne 0 ]; then
+        chmod 000 closed
+    fi
+    refuses 5 "cannot write 'link': Permission denied" "" unprivileged "$VORL" protect --level none note -o link
+    chmod 700 closed
+    equals "$(cat closed/out)" old
 }
 
 @test "nothing is written, nor left behind, when the run fails" {

@@ -17,6 +17,21 @@ setup_file() {
 vorl: hint: $INSIST"
 }
 
+@test "a terminal under another name is a terminal" {
+    octets 0001ff >envelope
+    ln -s /dev/tty link
+    for path in /dev/stdout /dev/tty /dev/fd/1 link; do
+        for command in "protect -k key --raw note" "unprotect --accept none --raw envelope"; do
+            in_terminal "'$VORL' $command -o $path 2>told"
+            equals "$path $status$output" "$path 2"
+            equals "$(cat told)" "vorl: error: binary data is not written to a terminal
+vorl: hint: $INSIST"
+        done
+        in_terminal "'$VORL' protect --level none note -o $path"
+        equals "$path $status$output" "$path 0$(vorl protect --level none note)"
+    done
+}
+
 @test "a message that is not plain text is not written to a terminal" {
     for message in 00 1b5b33316d 7f ff c1a1 e081a1 c285 eda080 f4908080 e282 80; do
         octets "00$(printf %02x $((${#message} / 2)))$message" >envelope

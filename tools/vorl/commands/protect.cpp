@@ -79,7 +79,9 @@ ExitStatus protect(const ProtectOptions& options) {
         refuseMessage(message.size(), level);
     }
     text.push_back('\n');
-    writeOutput(options.message.output, options.message.isRaw ? envelope : text, Readers::ANYBODY);
+    const bool isReadable = level.spec().keySize == 0;
+    writeOutput(options.message.output, options.message.isRaw ? envelope : text,
+                isReadable ? Readers::OWNER : Readers::ANYBODY);
     return ExitStatus::SUCCESS;
 }
 

@@ -20,6 +20,8 @@ namespace vorl::tool {
 
 namespace {
 
+const mode_t ANY_MODE = 0777;
+
 [[noreturn]] void refuse(const std::string& name, const std::string& why) {
     throw ToolError(ExitStatus::FAULT, "cannot write " + name + ": " + why);
 }
@@ -45,10 +47,11 @@ mode_t modeFor(Readers readers) {
     return 0666 & ~mask;
 }
 
-void replaceFile(const std::string& path, const bytes& data, Readers readers) {
+// `existing` is the mode of the file that is replaced: nobody gets to read the new one who could not read it.
+void replaceFile(const std::string& path, const bytes& data, Readers readers, mode_t existing) {
     TemporaryFile file(behindLinks(path));
     file.write(data);
-    file.setMode(modeFor(readers));
+    file.setMode(modeFor(readers) & existing);
     file.replaceTarget();
 }
 
@@ -78,7 +81,11 @@ void writeExisting(const std::string& path, const struct stat& status, const byt
     if (isStandardOutput(status)) {
         writeStandardOutput(data.data(), data.size());
     } else if (S_ISREG(status.st_mode)) {
-        replaceFile(path, data, readers);
+        // The folder alone decides on a renaming, which would let it pass over a file that is protected.
+        if (faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) {
+            refuse("'" + path + "'", systemText(errno));
+        }
+        replaceFile(path, data, readers, status.st_mode);
     } else {
         writeDirectly(path, data);
     }
@@ -87,6 +94,9 @@ void writeExisting(const std::string& path, const struct stat& status, const byt
 void writeFile(const std::string& path, const bytes& data, Readers readers) {
     struct stat status {};
     const bool exists = stat(path.c_str(), &status) == 0;
+    if (!exists && errno != ENOENT) {
+        refuse("'" + path + "'", systemText(errno));
+    }
     // What such a link is for is not known, so that it is neither replaced nor brought to life.
     if (!exists && isDanglingLink(path)) {
         refuse("'" + path + "'", "it is a link to something that is not there");
@@ -95,11 +105,21 @@ void writeFile(const std::string& path, const bytes& data, Readers readers) {
         if (exists) {
             writeExisting(path, status, data, readers);
         } else {
-            replaceFile(path, data, readers);
+            replaceFile(path, data, readers, ANY_MODE);
         }
     } catch (const std::system_error& error) {
         refuse("'" + path + "'", systemText(error.code().value()));
     }
+}
+
+bool leadsToTerminal(const std::string& path) {
+    struct stat status {};
+    // To open anything else might take a reader, or bring it to life.
+    if (stat(path.c_str(), &status) != 0 || !S_ISCHR(status.st_mode)) {
+        return false;
+    }
+    const Descriptor device(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    return device.isOpen() && isTerminal(device.get());
 }
 
 }  // namespace
@@ -117,7 +137,8 @@ void writeStandardOutput(const std::string& text) {
 }
 
 void refuseBinaryOnTerminal(const std::optional<std::string>& path) {
-    if (!path && isTerminal(STDOUT_FILENO)) {
+    // Only "-" insists: "/dev/stdout" and "/dev/tty" are a terminal under a name.
+    if (path != STANDARD_STREAM && (path ? leadsToTerminal(*path) : isTerminal(STDOUT_FILENO))) {
         throw ToolError(ExitStatus::USAGE, "binary data is not written to a terminal",
                         "name a file with -o FILE, or insist with '-o -'");
     }

@@ -12,21 +12,22 @@ namespace vorl::tool {
 enum class Readers {
     /// Whom the umask lets.
     ANYBODY,
-    /// For opened messages and keys.
+    /// For whatever holds a message that can be read.
     OWNER,
 };
 
 /// Writes a result to the file `path`, or to standard output where there is none or it is "-".
 ///
-/// A file appears whole or not at all, and what it replaces stays until then; a link is followed, if it
-/// leads somewhere. Standard output under another name, and what is not a file, such as a device or a pipe,
-/// is written to as it is. Throws ToolError.
+/// A file appears whole or not at all, and what it replaces stays until then. It is open to nobody to whom
+/// that was closed, and what the user may not write is not replaced. A link is followed, if it leads
+/// somewhere. Standard output under another name, and what is not a file, such as a device or a pipe, is
+/// written to as it is. Throws ToolError.
 void writeOutput(const std::optional<std::string>& path, const bytes& data, Readers readers);
 
 /// Throws ToolError where not everything could be written.
 void writeStandardOutput(const std::string& text);
 
-/// Throws ToolError where binary data would go to a terminal although no `path` says so.
+/// Throws ToolError where binary data would go to a terminal, under whatever name, and `path` is not "-".
 void refuseBinaryOnTerminal(const std::optional<std::string>& path);
 
 }  // namespace vorl::tool

@@ -10,7 +10,14 @@ COMMANDS="protect unprotect inspect doctor"
 }
 
 @test "an unknown command is refused by its name" {
-    refuses 2 "The following argument was not expected: frobnicate" "'vorl --help' shows the usage" vorl frobnicate
+    local hint="'vorl --help' lists the commands"
+    refuses 2 "there is no command 'frobnicate'" "$hint" vorl frobnicate
+    refuses 2 "there is no command 'prot'" "$hint" vorl prot -k key note
+    refuses 2 "there is no command 'Protect'" "$hint" vorl Protect
+    refuses 2 "there is no command ''" "$hint" vorl ""
+    for option in --help -h --version; do
+        refuses 2 "there is no command 'bogus'" "$hint" vorl bogus $option
+    done
 }
 
 @test "--help lists the commands and exit statuses on standard output" {

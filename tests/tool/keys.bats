@@ -196,11 +196,19 @@ envelope() {
 }
 
 @test "a number that no descriptor has is wrong usage" {
-    for number in -1 x 99999999999; do
-        run --separate-stderr vorl protect --key-fd=$number key
-        equals "$status$output" 2
-        contains "$stderr" "vorl: error: --key-fd: "
+    for number in -1 x 99999999999 2147483648 0x3 3.0 3x +3 "" " 3"; do
+        refuses 2 "--key-fd: '$number' is not the number of a descriptor" "'vorl protect --help' shows the usage" \
+            vorl protect --key-fd "$number" note
     done
+}
+
+@test "the number of a descriptor is decimal, whatever it begins with" {
+    envelope
+    with_descriptor() {
+        vorl unprotect --key-fd 010 envelope 8<note 10<key
+    }
+    succeeds with_descriptor
+    equals "$output" hello
 }
 
 @test "the key is named once" {

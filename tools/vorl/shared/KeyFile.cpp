@@ -8,7 +8,8 @@
 #include <CLI/CLI.hpp>
 
 #include <cerrno>
-#include <limits>
+#include <charconv>
+#include <system_error>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -72,14 +73,27 @@ private:
     const std::optional<FileId> input_;
 };
 
+// The parser would take 010 for octal, and 0x3 for a number.
+int descriptorFrom(const std::string& text) {
+    int number = -1;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || rest != end || number < 0) {
+        throw CLI::ValidationError("--key-fd", "'" + text + "' is not the number of a descriptor");
+    }
+    return number;
+}
+
 }  // namespace
 
 void KeyFile::declare(CLI::App& command) {
     CLI::Option* const path =
         command.add_option("-k,--key", path_, "File that holds the key, as raw bytes, hex or Base64")
             ->type_name("FILE");
-    command.add_option("--key-fd", descriptor_, "Read the key from this open file descriptor")
-        ->check(CLI::Range(0, std::numeric_limits<int>::max()).description(""))
+    command
+        .add_option_function<std::string>(
+            "--key-fd", [this](const std::string& text) { descriptor_ = descriptorFrom(text); },
+            "Read the key from this open file descriptor")
         ->type_name("N")
         ->excludes(path);
     command

@@ -9,6 +9,8 @@
 #include <openssl/crypto.h>
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <iterator>
 #include <new>
 #include <string>
 
@@ -47,7 +49,19 @@ ExitStatus refuseUsage(const CLI::App& app, const CLI::ParseError& error) {
     return ExitStatus::USAGE;
 }
 
+// The parser would name everything that follows, and answer a --help among it.
+void refuseUnknownCommand(int argc, const char* const* argv) {
+    const std::string first = argc > 1 ? argv[1] : "-";
+    const bool isKnown = std::any_of(std::begin(COMMANDS), std::end(COMMANDS),
+                                     [&first](const Command& command) { return first == command.name; });
+    if (!isKnown && first.substr(0, 1) != "-") {
+        throw ToolError(ExitStatus::USAGE, "there is no command '" + first + "'",
+                        "'vorl --help' lists the commands");
+    }
+}
+
 ExitStatus parseAndRun(int argc, const char* const* argv) {
+    refuseUnknownCommand(argc, argv);
     CLI::App app("Protects messages in envelopes, opens them, and looks into them.", "vorl");
     declareVersion(app);
     app.footer(EXIT_STATUSES);

@@ -26,7 +26,7 @@ public:
     /// An empty buffer with room for `size` bytes.
     explicit Buffer(unsigned int size);
     /// A buffer that holds the given bytes, ready to be read. A list of octets is written Buffer(bytes{...}):
-    /// by itself, a list of one number would be taken for a size.
+    /// by itself it would be taken for a size, or for a pointer and a length.
     Buffer(const unsigned char* p, unsigned int n);
     Buffer(const bytes& v);  // NOLINT(google-explicit-constructor): bytes are as good as a buffer of them
     Buffer(bytes&& v);       // NOLINT(google-explicit-constructor)
@@ -90,9 +90,12 @@ public:
     void resize(unsigned int extra);
 
 private:
+    friend class ASN1BlockEncodable;
     friend class OctetRuns;
 
     [[noreturn]] void refuseRead() const;
+    // Takes back what was written from `end` on.
+    void truncate(unsigned int end);
     void append(const unsigned char* p, std::uint64_t n);
 
     unsigned int ridx_ = 0;

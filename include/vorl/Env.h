@@ -14,8 +14,9 @@ enum Component : unsigned int {
 
 /// The process-wide defaults of text formatting, and the instrumentation switches.
 ///
-/// The defaults are what every toString() and every short form of a Util text operation uses.
-/// The switches are unsynchronised: they are set during start-up, before threads use the library.
+/// The defaults are what the toString() of a block uses, and the short forms of Util::toFormatHexString and
+/// of Util::hexAsciiDump on a vector. The switches are unsynchronised: they are set during start-up, before
+/// threads use the library.
 class VORL_API Env {
 public:
     Env(const Env&) = delete;

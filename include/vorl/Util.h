@@ -11,7 +11,8 @@ namespace vorl {
 /// The texts in which values describe themselves, whole files, and time stamps.
 ///
 /// All texts are exact: people read them and programs compare them. Hex digits are lower case, numbers do
-/// not depend on the global locale, and a short form takes what it leaves out from Env::instance().
+/// not depend on the global locale, and what a short form leaves out comes from Env::instance() unless it
+/// says otherwise.
 class VORL_API Util {
 public:
     Util() = delete;
@@ -20,7 +21,7 @@ public:
 
     /// Two digits: 0x0a is "0a".
     static std::string toHexString(unsigned char b);
-    /// No leading zeros and no "0x": 255 is "ff", 0 is "0".
+    /// No leading zeros and no "0x": 255U is "ff", 0U is "0".
     static std::string toHexString(unsigned int v);
     /// Two digits a byte, joined by `sep`, which is " " in the forms without it.
     static std::string toHexString(const unsigned char* p, unsigned int len, std::string sep);
@@ -82,12 +83,12 @@ public:
 
     /// Whole seconds since the Unix epoch, in decimal.
     static std::string currentTime();
-    /// currentTime(), "." and a count of the calls within that second: unique within the process.
-    /// May be called from any thread.
+    /// currentTime(), "." and a count of the calls within that second: unique within the process as long as
+    /// the clock is not set back. May be called from any thread.
     static std::string uniqueTime();
 
     /// Writes `data` into a new file "/tmp//ROOT.SECONDS.COUNT", mode 0600, and returns its path. An existing
-    /// file is never opened and a link never followed. A failure to write is not reported.
+    /// file is never opened, nor a link in its place followed. A failure to write is not reported.
     /// Throws VORLException for an empty `root`.
     static std::string saveInstrumentationFile(const std::string& root, const bytes& data);
 };

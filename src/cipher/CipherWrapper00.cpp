@@ -1,6 +1,6 @@
 #include "vorl/CipherWrapper00.h"
 
-#include "core/octet_runs.h"
+#include "core/OctetRuns.h"
 #include "envelope.h"
 #include "unread_bytes.h"
 #include "vorl/Buffer.h"

@@ -1,7 +1,7 @@
 #ifndef VORL_CIPHER_SOFTWARE_PATH_H
 #define VORL_CIPHER_SOFTWARE_PATH_H
 
-#include "core/octet_runs.h"
+#include "core/OctetRuns.h"
 #include "vorl/bytes.h"
 
 #include <tarvik/crypto/ICipherContext.h>

@@ -90,14 +90,22 @@ void ASN1BlockEncodable::encode(Buffer& b) const {
         end += determinantOf(fragment).size + span.count;
     }
     index32(end, "ASN1BlockEncodable: an index would pass 2^32-1");
-    // No unit, no encoding: not even a zero length, and none to close a multiple of 16384 either.
-    done = 0;
-    for (Fragment fragment{}; done < units; done += fragment.units) {
-        fragment = nextFragment(units - done);
-        const LengthDeterminant determinant = determinantOf(fragment);
-        const Span span = spanOf(fragment, done, unit, hasSpare);
-        b.put(determinant.octets, determinant.size);
-        b.put(data.data() + span.start, static_cast<unsigned int>(span.count));
+
+    const unsigned int before = b.widx();
+    try {
+        // No unit, no encoding: not even a zero length, and none to close a multiple of 16384 either.
+        done = 0;
+        for (Fragment fragment{}; done < units; done += fragment.units) {
+            fragment = nextFragment(units - done);
+            const LengthDeterminant determinant = determinantOf(fragment);
+            const Span span = spanOf(fragment, done, unit, hasSpare);
+            b.put(determinant.octets, determinant.size);
+            b.put(data.data() + span.start, static_cast<unsigned int>(span.count));
+        }
+    } catch (...) {
+        // The memory did not suffice; half a block is worse than none.
+        b.truncate(before);
+        throw;
     }
 }
 

@@ -126,6 +126,11 @@ void Buffer::refuseRead() const {
                         std::to_string(widx_) + ")");
 }
 
+void Buffer::truncate(unsigned int end) {
+    std::fill(data_.begin() + end, data_.begin() + widx_, static_cast<unsigned char>(0));
+    widx_ = end;
+}
+
 void Buffer::append(const unsigned char* p, std::uint64_t n) {
     const unsigned int end = index32(widx_ + n, TOO_LONG);
     const std::uint64_t room = data_.size() - widx_;

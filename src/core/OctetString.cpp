@@ -5,6 +5,9 @@
 
 #include <openssl/crypto.h>
 
+#include <algorithm>
+#include <cstddef>
+
 namespace vorl {
 
 namespace {
@@ -21,7 +24,9 @@ OctetString::OctetString(bytes&& v) : val_(std::move(v)) {
 
 std::string OctetString::toFormatString(const std::string& name, unsigned int width, unsigned int level,
                                         const std::string& separator, unsigned int indentSize) const {
-    return Util::toFormatHexString(val_.data(), byteLength(), name, width, level, separator, indentSize);
+    // A subclass may have another idea of its length, but there is no more than there is.
+    const auto length = static_cast<unsigned int>(std::min<std::size_t>(byteLength(), val_.size()));
+    return Util::toFormatHexString(val_.data(), length, name, width, level, separator, indentSize);
 }
 
 unsigned int OctetString::unitSize() const {

@@ -15,6 +15,8 @@ namespace {
 std::string openssl_err() {
     const std::shared_ptr<BIO> bio = safe_ptr(BIO_new(BIO_s_mem()));
     if (!bio) {
+        // Nobody is to find these errors behind the next failure.
+        ERR_clear_error();
         return std::string();
     }
     ERR_print_errors(bio.get());

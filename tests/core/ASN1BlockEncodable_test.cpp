@@ -351,5 +351,24 @@ TEST(BlockEncodable, PrintsAllContentWhateverItsUnitsSay) {
     EXPECT_EQ(FakeBlock(8, 1, {0x12, 0x30}).toString(), "    FAKE:  12:30\n");
 }
 
+// 2^29 octets and one: more bits than 32 can count. The last octet shows whether the content began again.
+TEST(ASN1BlockEncodable, ContentOfMoreBitsThan32CanCountIsWrittenToItsEnd) {
+    class Large : public OctetString {
+    public:
+        unsigned int unitLength() const override { return 0x20000001; }
+        bytes toByteArray() const override {
+            bytes content(0x20000001);
+            content.front() = 0x11;
+            content.back() = 0xee;
+            return content;
+        }
+    };
+    Buffer b(0x20000001 + 8192 + 1);
+    Large().encode(b);
+    EXPECT_EQ(b.widx(), 0x20000001U + 8192 + 1);
+    b.skip(b.widx() - 2);
+    EXPECT_EQ(b.toByteArrayRemain(), (bytes{0x01, 0xee}));
+}
+
 }  // namespace
 }  // namespace vorl::test

@@ -459,5 +459,12 @@ TEST(Buffer, ShowsItsIndicesAndTheSizeOfItsStore) {
     EXPECT_EQ(b.midx(), 0U);
 }
 
+TEST(Buffer, PutFromALargeOffset) {
+    const bytes all = octets(70010);
+    Buffer b;
+    b.put(all.data(), 70000, 10);
+    EXPECT_EQ(b.toByteArray(), slice(all, 70000, 10));
+}
+
 }  // namespace
 }  // namespace vorl::test

@@ -344,5 +344,20 @@ TEST(OctetString, PrintsItselfAsItIsTold) {
     EXPECT_EQ(OctetString().toFormatString("IV", 80, 2, ":", 2), "    IV:  (NULL)");
 }
 
+// The class may be derived from: what it prints is as long as the subclass says, and never longer than there
+// is.
+TEST(OctetString, PrintsItsFirstByteLengthOctets) {
+    struct Two : OctetString {
+        using OctetString::OctetString;
+        unsigned int byteLength() const override { return 2; }
+    };
+    struct Words : OctetString {
+        using OctetString::OctetString;
+        unsigned int unitSize() const override { return 16; }
+    };
+    EXPECT_EQ(Two(bytes{1, 2, 3}).toFormatString("n", 80, 0, ":", 4), "n:  01:02\n");
+    EXPECT_EQ(Words(bytes{1, 2, 3}).toFormatString("n", 80, 0, ":", 4), "n:  01:02:03\n");
+}
+
 }  // namespace
 }  // namespace vorl::test

@@ -348,5 +348,13 @@ TEST(UtilHexAsciiDump, TakesNoBytesALineForOne) {
     EXPECT_EQ(Util::hexAsciiDump(data.data(), 2, 0, " "), oneALine);
 }
 
+// 65536 separators of 65534 characters do not fit in 32 bits, and so not on a line.
+TEST(UtilToFormatHexString, LengthOfALineIsCountedInMoreThan32Bits) {
+    const std::string separator(65534, '-');
+    const std::string block = Util::toFormatHexString(bytes(65537, 0x11), "n", 80, 1, separator, 4);
+    EXPECT_EQ(block.substr(0, 7), "    n:\n");
+    EXPECT_EQ(block.size(), 7 + 65537 * (8 + 2 + 1U));
+}
+
 }  // namespace
 }  // namespace vorl::test

@@ -128,5 +128,15 @@ TEST(UtilUniqueTime, IsUniqueAcrossEightThreadsOnTheRealClock) {
     EXPECT_EQ(std::set<std::string>(all.begin(), all.end()).size(), 16000U);
 }
 
+// Uniqueness is the clock's as much as the count's.
+TEST(UtilUniqueTime, RepeatsItselfWhenTheClockIsSetBack) {
+    FakeClock clock;
+    const std::string first = Util::uniqueTime();
+    clock.advance(1);
+    Util::uniqueTime();
+    clock.advance(-1);
+    EXPECT_EQ(Util::uniqueTime(), first);
+}
+
 }  // namespace
 }  // namespace vorl::test

@@ -1,6 +1,9 @@
+#include "FakeClock.h"
 #include "OpenSSLMemory.h"
 #include "OperatorNew.h"
 #include "TempFolder.h"
+#include "block_encoder.h"
+#include "error_queue.h"
 #include "messageOf.h"
 #include "octets.h"
 
@@ -20,6 +23,7 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 
 // What is left when there is no memory, and how much is asked for on the word of others.
@@ -55,6 +59,32 @@ TEST(BufferWithoutMemory, KeepsItsContentWhereItCannotGrow) {
     b.put(0x11);
     EXPECT_EQ(b.toString(), "Buffer[ridx_=3,widx_=1025,midx_=0,len=2048]");
     EXPECT_EQ(b.toByteArray(), octets(1024) + bytes{0x11});
+}
+
+// Memory that runs out between the fragments of a block.
+TEST(BufferWithoutMemory, TakesNoPartOfABlock) {
+    Buffer b(octets(3));
+    const OctetString field(octets(40000));
+
+    EXPECT_TRUE(runsOutOfMemory(60000, [&] { b.put(field); }));
+    EXPECT_EQ(b.widx(), 3U);
+    EXPECT_EQ(b.toByteArray(), octets(3));
+    b.put(field);
+    EXPECT_TRUE(b.toByteArray() == octets(3) + block(octets(40000)));
+}
+
+TEST(UtilWithoutMemory, IndentIsCountedInMoreThan32Bits) {
+    EXPECT_TRUE(runsOutOfMemory(0x10000000, [] { Util::toFormatString("n", 80, 65536, 65536); }));
+}
+
+// The lock is free again after a failure, so that another thread is not kept waiting for ever.
+TEST(UtilWithoutMemory, UniqueTimeGivesItsLockBack) {
+    const FakeClock clock;
+    for (int i = 0; i < 10000; ++i) {
+        Util::uniqueTime();  // until the text no longer fits in a string without memory
+    }
+    EXPECT_TRUE(runsOutOfMemory(0, [] { Util::uniqueTime(); }));
+    std::thread([] { Util::uniqueTime(); }).join();
 }
 
 TEST(BufferWithoutMemory, NeedsNoneForWhatFits) {
@@ -161,6 +191,7 @@ TEST(OpenSSLExceptionWithoutMemory, IsThrownWithAnEmptyErrorStack) {
     ASSERT_TRUE(openssl_memory::isOurs());
     std::string context = "<no exception>";
     std::string stack = "<no exception>";
+    leaveApplicationError();
     {
         const OpenSSLOutOfMemory exhausted;
         try {
@@ -170,10 +201,10 @@ TEST(OpenSSLExceptionWithoutMemory, IsThrownWithAnEmptyErrorStack) {
             stack = e.errorStack();
         }
     }
-    ERR_clear_error();
 
     EXPECT_EQ(context, "BN_dup()");
     EXPECT_EQ(stack, "");
+    EXPECT_EQ(takeErrorQueue(), ErrorCodes());
 }
 
 TEST(OpenSSLException, GivesBackTheMemoryOfItsErrorStack) {

@@ -104,12 +104,16 @@ private:
     std::unique_ptr<VorlContext> context_;
 };
 
+bool switchedOn = false;
+
 // Made before the library is used for the first time, and destroyed after all that the library makes then.
 class LateUser {
 public:
     LateUser() = default;
     ~LateUser() {
-        if (CipherSpec::AES_128_CBC_PKCS5()->toString() !=
+        if (Env::getInstrumentation(static_cast<Component>(1)) != switchedOn ||
+            Env::instance()->fmtSeparator() != ":" || Util::uniqueTime().empty() ||
+            CipherSpec::AES_128_CBC_PKCS5()->toString() !=
                 "[CipherSpec:AES_128_[CipherMode:CBC]_PKCS5Padding]" ||
             EncryptionType::NULL_CIPHER()->toString() != "EncryptionType[None:CipherWrapper[Null:0x00]]") {
             std::_Exit(1);
@@ -138,6 +142,9 @@ TEST(StaticObjects, ContextOfAStaticObjectWorksInMain) {
 }
 
 TEST(StaticObjectsDeathTest, DestructorMayUseTheLibrary) {
+    // What the object looks for that is made first and destroyed last.
+    Env::setInstrumentation(static_cast<Component>(1), true);
+    switchedOn = true;
     EXPECT_EXIT(std::exit(0), ::testing::ExitedWithCode(0), "^$");
 }
 

@@ -1,4 +1,4 @@
-#include "octet_runs.h"
+#include "OctetRuns.h"
 
 #include "length_determinant.h"
 #include "vorl/Buffer.h"

@@ -1,4 +1,4 @@
-#include "core/octet_runs.h"
+#include "core/OctetRuns.h"
 
 #include "block_encoder.h"
 #include "messageOf.h"

@@ -1,5 +1,5 @@
-#ifndef VORL_CORE_OCTET_RUNS_H
-#define VORL_CORE_OCTET_RUNS_H
+#ifndef VORL_CORE_OCTETRUNS_H
+#define VORL_CORE_OCTETRUNS_H
 
 #include "vorl/bytes.h"
 

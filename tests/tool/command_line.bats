@@ -76,3 +76,18 @@ COMMANDS="protect unprotect inspect doctor"
 @test "control characters of a file name do not reach the terminal" {
     refuses 3 "cannot read 'a?b?[31m': No such file or directory" "" vorl inspect $'a\nb\e[31m'
 }
+
+@test "the control characters above DEL do not either, as bytes or as UTF-8" {
+    local missing="No such file or directory"
+    refuses 3 "cannot read 'a?31mb': $missing" "" vorl inspect $'a\xc2\x9b31mb'
+    refuses 3 "cannot read 'a?31mb': $missing" "" vorl inspect $'a\x9b31mb'
+    refuses 3 "cannot read '????': $missing" "" vorl inspect $'\xc2\x80\xc2\x9f\x80\x9f'
+    # An overlong form is no UTF-8.
+    refuses 3 "cannot read '"$'\xe0'"??': $missing" "" vorl inspect $'\xe0\x82\x9b'
+}
+
+@test "other characters of a file name do, whatever bytes they are made of" {
+    for name in "Grüße" "Ü" "€" "𝄞" $'\xc2\xa0' $'Gr\xfc\xdfe'; do
+        refuses 3 "cannot read '$name': No such file or directory" "" vorl inspect "$name"
+    done
+}

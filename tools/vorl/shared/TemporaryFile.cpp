@@ -29,12 +29,9 @@ std::string besides(const std::string& target) {
 }  // namespace
 
 TemporaryFile::HeldSignals::HeldSignals() : before_() {
-    sigset_t ending;
-    sigemptyset(&ending);
-    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
-        sigaddset(&ending, signal);
-    }
-    pthread_sigmask(SIG_BLOCK, &ending, &before_);
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, &before_);
 }
 
 TemporaryFile::HeldSignals::~HeldSignals() {

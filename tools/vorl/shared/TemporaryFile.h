@@ -15,7 +15,7 @@ namespace vorl::tool {
 /// A new file beside the one that it is going to replace: either it is written whole and takes the name of
 /// its target, or it is removed and the target stays what it was.
 ///
-/// Signals that would end the process wait for as long as it exists. Failures are thrown as
+/// Signals, most of which would end the process, wait for as long as it exists. Failures are thrown as
 /// std::system_error.
 class TemporaryFile {
 public:

@@ -2,16 +2,15 @@
 
 #include "commands/commands.h"
 #include "shared/ToolError.h"
+#include "shared/failures.h"
 #include "shared/messages.h"
 #include "shared/output.h"
-#include "vorl/OpenSSLException.h"
 
 #include <openssl/crypto.h>
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <iterator>
-#include <new>
 #include <string>
 
 namespace vorl::tool {
@@ -89,21 +88,9 @@ ExitStatus parseAndRun(int argc, const char* const* argv) {
 ExitStatus runCommandLine(int argc, const char* const* argv) {
     try {
         return parseAndRun(argc, argv);
-    } catch (const ToolError& error) {
-        sayError(error.what());
-        sayHint(error.hint());
-        return error.status();
-    } catch (const std::bad_alloc&) {
-        sayError("the input, and what becomes of it, does not fit in memory");
-        return ExitStatus::BAD_INPUT;
-    } catch (const OpenSSLException& error) {
-        sayError(std::string(error.what()) + " failed in OpenSSL");
-        sayHint(error.errorStack());
-    } catch (const std::exception& error) {
-        sayError(error.what());
+    } catch (...) {
+        return tellFailure();
     }
-    sayHint("'vorl doctor' checks what the tool depends on");
-    return ExitStatus::FAULT;
 }
 
 }  // namespace vorl::tool

@@ -1,8 +1,9 @@
 #include "shared/messages.h"
 
 #include "shared/Descriptor.h"
+#include "shared/utf8.h"
 
-#include <algorithm>
+#include <string_view>
 
 #include <unistd.h>
 
@@ -10,11 +11,22 @@ namespace vorl::tool {
 
 namespace {
 
+// Terminals take the controls above DEL in either form, as a byte of its own and as UTF-8.
+std::string withoutControls(std::string_view text) {
+    std::string safe;
+    while (!text.empty()) {
+        const Character character = firstCharacter(text);
+        const bool isUtf8 = character.size > 0;
+        const std::size_t size = isUtf8 ? character.size : 1;
+        const unsigned long code = isUtf8 ? character.codePoint : static_cast<unsigned char>(text.front());
+        safe += isControl(code) ? "?" : text.substr(0, size);
+        text.remove_prefix(size);
+    }
+    return safe;
+}
+
 void sayLine(const std::string& line) {
-    std::string safe = line;
-    std::replace_if(
-        safe.begin(), safe.end(), [](unsigned char c) { return c < 0x20 || c == 0x7f; }, '?');
-    safe += '\n';
+    const std::string safe = withoutControls(line) + '\n';
     writeAll(STDERR_FILENO, safe.data(), safe.size());
 }
 

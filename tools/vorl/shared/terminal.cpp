@@ -1,5 +1,7 @@
 #include "shared/terminal.h"
 
+#include "shared/utf8.h"
+
 #include <cstdlib>
 #include <string_view>
 
@@ -8,31 +10,6 @@
 namespace vorl::tool {
 
 namespace {
-
-// UTF-8, by its first byte: how many bytes follow, and the smallest code point that needs them.
-struct Sequence {
-    std::size_t following;
-    unsigned long smallest;
-};
-
-Sequence sequenceOf(unsigned char head) {
-    if (head < 0x80) {
-        return {0, 0};
-    }
-    if (head < 0xe0) {
-        return {1, 0x80};
-    }
-    return head < 0xf0 ? Sequence{2, 0x800} : Sequence{3, 0x10000};
-}
-
-bool isShown(unsigned long codePoint) {
-    if (codePoint < 0x20) {
-        return codePoint == '\t' || codePoint == '\n' || codePoint == '\r';
-    }
-    const bool isControl = codePoint >= 0x7f && codePoint < 0xa0;
-    const bool isSurrogate = codePoint >= 0xd800 && codePoint < 0xe000;
-    return !isControl && !isSurrogate && codePoint < 0x110000;
-}
 
 bool isColourful() {
     const char* const refused = secure_getenv("NO_COLOR");
@@ -49,23 +26,14 @@ bool isTerminal(int fd) {
 }
 
 bool isPlainText(const bytes& data) {
-    for (std::size_t at = 0; at < data.size();) {
-        const unsigned char head = data[at++];
-        // A continuation without a head, and heads of sequences that UTF-8 does not have.
-        if ((head >= 0x80 && head < 0xc0) || head >= 0xf8) {
+    std::string_view rest(reinterpret_cast<const char*>(data.data()), data.size());
+    while (!rest.empty()) {
+        const Character character = firstCharacter(rest);
+        const bool isLayout = rest.front() == '\t' || rest.front() == '\n' || rest.front() == '\r';
+        if (character.size == 0 || (isControl(character.codePoint) && !isLayout)) {
             return false;
         }
-        const Sequence sequence = sequenceOf(head);
-        unsigned long codePoint = sequence.following == 0 ? head : head & (0x3fU >> sequence.following);
-        for (std::size_t i = 0; i < sequence.following; ++i, ++at) {
-            if (at == data.size() || (data[at] & 0xc0) != 0x80) {
-                return false;
-            }
-            codePoint = codePoint << 6 | (data[at] & 0x3fU);
-        }
-        if (codePoint < sequence.smallest || !isShown(codePoint)) {
-            return false;
-        }
+        rest.remove_prefix(character.size);
     }
     return true;
 }

@@ -95,9 +95,22 @@ CNF
       "advice": "look for a [random] section'
 }
 
-@test "without random numbers, the other commands send to the doctor" {
+@test "without random numbers, what needs them sends to the doctor" {
     without_random
     refuses 5 "OpenSSL's random generator is not ready" "'vorl doctor' looks for the reason" vorl protect -k key note
+}
+
+@test "without random numbers, what needs none works" {
+    printf 'vorl doctor' | full_envelope >full
+    without_random
+    succeeds vorl unprotect -k key --raw full
+    equals "$output" "vorl doctor"
+    succeeds vorl inspect full
+    for level in test none; do
+        succeeds vorl protect -k key --level $level note -o out
+        succeeds vorl unprotect -k key --accept $level out
+        equals "$output" hello
+    done
 }
 
 @test "without ciphers, protecting is a fault of the platform" {

@@ -175,9 +175,26 @@ does_not_open_elsewhere() {
     [ ! -e out ]
 }
 
-@test "a body that no key opens is answered with those words too" {
-    octets 0210${IV_HEX}0f0102030405060708090a0b0c0d0e0f >odd
-    refuses 4 "$CANNOT_OPEN" "" vorl unprotect -k key --raw odd
-    octets 0210${IV_HEX}00 >empty
-    refuses 4 "$CANNOT_OPEN" "" vorl unprotect -k key --raw empty
+@test "a body that no key opens is malformed, whatever the key" {
+    local hint="'vorl inspect' shows where it goes wrong"
+    local needed="what a key opens has a multiple of 16, and at least that"
+    local rest=0102030405060708090a0b0c0d0e0f
+    echo "$WRONG_KEY_HEX" >wrong
+    for prefix in "0210$IV_HEX" 01; do
+        for key in key wrong; do
+            octets "${prefix}00" >body
+            refuses 3 "'body' is not a whole envelope: the body has 0 bytes; $needed" "$hint" \
+                vorl unprotect -k $key --accept full,test --raw body -o out
+            octets "${prefix}01aa" >body
+            refuses 3 "'body' is not a whole envelope: the body has 1 byte; $needed" "$hint" \
+                vorl unprotect -k $key --accept full,test --raw body -o out
+            octets "${prefix}0f$rest" >body
+            refuses 3 "'body' is not a whole envelope: the body has 15 bytes; $needed" "$hint" \
+                vorl unprotect -k $key --accept full,test --raw body -o out
+            octets "${prefix}11${rest}1011" >body
+            refuses 3 "'body' is not a whole envelope: the body has 17 bytes; $needed" "$hint" \
+                vorl unprotect -k $key --accept full,test --raw body -o out
+        done
+    done
+    [ ! -e out ]
 }

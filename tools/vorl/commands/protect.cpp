@@ -65,6 +65,9 @@ std::uint64_t distanceToReadable(std::uint64_t messageBytes, std::uint64_t step,
 ExitStatus protect(const ProtectOptions& options) {
     startLibrary();
     const Level& level = levelNamed(options.level);
+    if (level.spec().ivSize > 0) {
+        requireRandom();
+    }
     const SecretBytes key = loadMessageKey(options.key, {level}, options.message.input);
     if (options.message.isRaw) {
         refuseBinaryOnTerminal(options.message.output);

@@ -89,8 +89,10 @@ void checkAccepted(const Level& level, const std::string& accept) {
 
 // The library reads the structure without a key, so that a malformed input is told from one that the key
 // does not open.
-void checkStructure(const bytes& envelope, const MessageOptions& options) {
-    if (const std::optional<std::string> fault = structureFault(envelope)) {
+void checkStructure(const bytes& envelope, const Level* level, const MessageOptions& options) {
+    const std::optional<std::string> fault =
+        level != nullptr ? openingFault(envelope, level->spec()) : structureFault(envelope);
+    if (fault) {
         const bool isBase64 = options.isRaw && !decodeBase64Text(envelope).problem;
         throw ToolError(ExitStatus::BAD_INPUT,
                         inputName(options.input) + " is not a whole envelope: " + *fault,
@@ -105,7 +107,7 @@ const Level& judge(const bytes& envelope, const UnprotectOptions& options) {
     if (level != nullptr) {
         checkAccepted(*level, options.accept);
     }
-    checkStructure(envelope, options.message);
+    checkStructure(envelope, level, options.message);
     if (level == nullptr) {
         throw ToolError(ExitStatus::FAULT, "the library knows a version that the tool does not");
     }

@@ -48,12 +48,10 @@ void addSizes(std::uint64_t bodyBytes, const CipherSpec& spec, Report& report) {
 
 // Where the structure holds and yet no key can open the body.
 void checkBlocks(const Body& body, const CipherSpec& spec, Report& report) {
-    if (report.problem || spec.blockSize == 0 || (body.bytes > 0 && body.bytes % spec.blockSize == 0)) {
-        return;
+    const std::optional<std::string> fault = blockFault(body.bytes, spec);
+    if (fault && !report.problem) {
+        report.problem = Problem{body.offset, *fault};
     }
-    report.problem = Problem{body.offset, "the body has " + std::to_string(body.bytes) +
-                                              " bytes; what a key opens has a multiple of " +
-                                              std::to_string(spec.blockSize) + ", and at least that"};
 }
 
 void tellUnknown(const CipherSpec& spec, Report& report) {

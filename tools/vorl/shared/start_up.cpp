@@ -17,11 +17,14 @@ void prepareProcess() {
 
 void startLibrary() {
     Random::init_ = RAND_status() == 1;
+    VORLLib::init();
+}
+
+void requireRandom() {
     if (!Random::init_) {
         throw ToolError(ExitStatus::FAULT, "OpenSSL's random generator is not ready",
                         "'vorl doctor' looks for the reason");
     }
-    VORLLib::init();
 }
 
 }  // namespace vorl::tool

@@ -7,9 +7,11 @@ namespace vorl::tool {
 /// instead of the end of the process.
 void prepareProcess();
 
-/// Makes the library ready, as an application does it. Throws ToolError where OpenSSL has no random numbers,
-/// and whatever the library throws.
+/// Makes the library ready, as an application does it. Throws whatever the library throws.
 void startLibrary();
+
+/// For what draws random numbers, once the library is ready. Throws ToolError where OpenSSL has none.
+void requireRandom();
 
 }  // namespace vorl::tool
 

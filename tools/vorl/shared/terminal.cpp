@@ -26,7 +26,8 @@ bool isTerminal(int fd) {
 }
 
 bool isPlainText(const bytes& data) {
-    std::string_view rest(reinterpret_cast<const char*>(data.data()), data.size());
+    const void* const text = data.data();
+    std::string_view rest(static_cast<const char*>(text), data.size());
     while (!rest.empty()) {
         const Character character = firstCharacter(rest);
         const bool isLayout = rest.front() == '\t' || rest.front() == '\n' || rest.front() == '\r';

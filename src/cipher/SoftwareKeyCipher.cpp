@@ -168,6 +168,7 @@ void SoftwareKeyCipher::encryptInit(unsigned char* iv) {
 
 void SoftwareKeyCipher::decryptInit(unsigned char* iv) {
     decrypting = 1;
+    started = false;
     start(iv);
 }
 

@@ -11,6 +11,8 @@
 #include "vorl/SoftwareKeyCipher.h"
 #include "vorl/VorlContext.h"
 
+#include <openssl/err.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -321,6 +323,31 @@ TEST_F(Allocations, KeyOfAContextIsWipedBeforeItsStorageIsReleased) {
     context.reset();
     EXPECT_EQ(watch.held(), 1U);
     EXPECT_EQ(watch.released(), 0U);
+}
+
+// What was started before, in the other direction, must not be taken for what could not be started now.
+TEST_F(Allocations, DecryptInitWithoutMemoryForTheKeyStartsNothing) {
+    SoftwareKeyCipher cipher(CipherSpec::AES_128_CBC_PKCS5(), KEY);
+    cipher.encryptInit(IV);
+    bytes iv = IV;
+    bool refused = false;
+    heap.refuseAbove = 0;
+    try {
+        cipher.decryptInit(iv.data());
+    } catch (const std::bad_alloc&) {
+        refused = true;
+    }
+    heap.refuseAbove = std::numeric_limits<std::size_t>::max();
+    ASSERT_TRUE(refused);
+
+    ERR_clear_error();
+    try {
+        cipher.final();
+        FAIL() << "no exception";
+    } catch (const OpenSSLException& e) {
+        EXPECT_STREQ(e.what(), "failed EVP final operation");
+        EXPECT_EQ(e.errorStack(), "") << "OpenSSL was not asked";
+    }
 }
 
 TEST_F(Allocations, FailedDecryptLeavesNoPlaintextInReleasedStorage) {

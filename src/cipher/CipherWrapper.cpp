@@ -1,7 +1,7 @@
 #include "vorl/CipherWrapper.h"
 
-#include "WipeUnlessKept.h"
 #include "core/OctetRuns.h"
+#include "core/WipeUnlessKept.h"
 #include "envelope.h"
 #include "software_path.h"
 #include "unread_bytes.h"

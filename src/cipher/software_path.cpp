@@ -1,6 +1,6 @@
 #include "software_path.h"
 
-#include "WipeUnlessKept.h"
+#include "core/WipeUnlessKept.h"
 #include "envelope.h"
 #include "unread_bytes.h"
 #include "vorl/Buffer.h"

@@ -1,11 +1,8 @@
 #include "vorl/OpenSSLException.h"
 
-#include "vorl/safe_ptr.h"
+#include "memory_bio.h"
 
-#include <openssl/bio.h>
 #include <openssl/err.h>
-
-#include <cstddef>
 
 namespace vorl {
 
@@ -13,7 +10,7 @@ namespace {
 
 // The calling thread's error queue as text, one line an error; the queue is empty afterwards.
 std::string openssl_err() {
-    const std::shared_ptr<BIO> bio = safe_ptr(BIO_new(BIO_s_mem()));
+    const std::shared_ptr<BIO> bio = newMemoryBio();
     if (!bio) {
         // Nobody is to find these errors behind the next failure.
         ERR_clear_error();
@@ -21,12 +18,9 @@ std::string openssl_err() {
     }
     ERR_print_errors(bio.get());
 
-    char* text = nullptr;
-    const long length = BIO_get_mem_data(bio.get(), &text);
-    if (length <= 0 || text == nullptr) {
-        return std::string();
-    }
-    return std::string(text, static_cast<std::size_t>(length));
+    std::string text;
+    copyContent(bio.get(), text);
+    return text;
 }
 
 }  // namespace

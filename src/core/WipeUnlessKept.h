@@ -1,5 +1,5 @@
-#ifndef VORL_CIPHER_WIPEUNLESSKEPT_H
-#define VORL_CIPHER_WIPEUNLESSKEPT_H
+#ifndef VORL_CORE_WIPEUNLESSKEPT_H
+#define VORL_CORE_WIPEUNLESSKEPT_H
 
 #include "vorl/bytes.h"
 
@@ -7,7 +7,7 @@
 
 namespace vorl {
 
-/// Wipes what was decrypted at the end of the scope, unless told that it has become the result.
+/// Wipes secret bytes at the end of the scope, unless told that they have become the result.
 class WipeUnlessKept {
 public:
     explicit WipeUnlessKept(bytes& storage) : storage_(storage) {}

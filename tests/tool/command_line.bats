@@ -20,12 +20,26 @@ COMMANDS="protect unprotect inspect doctor"
     done
 }
 
+@test "no command of a group is refused by all of its words, and the hint names the group" {
+    refuses 2 "a command is needed" "'vorl dh --help' lists the commands" vorl dh
+    refuses 2 "a command is needed" "'vorl dh params --help' lists the commands" vorl dh params
+    refuses 2 "there is no command 'dh frobnicate'" "'vorl dh --help' lists the commands" vorl dh frobnicate
+    refuses 2 "there is no command 'dh params new2'" "'vorl dh params --help' lists the commands" \
+        vorl dh params new2 --help
+}
+
+@test "--help of a group lists its commands" {
+    succeeds vorl dh --help
+    contains "$output" "Usage: vorl dh "
+    contains "$output" $'\n'"  params "
+}
+
 @test "--help lists the commands and exit statuses on standard output" {
     succeeds vorl --help
     for command in $COMMANDS; do
         contains "$output" $'\n'"  $command "
     done
-    contains "$output" "Exit status: 0 success, 1 refused by the policy, 2 wrong usage"
+    contains "$output" "Exit status: 0 success, 1 a clear no, 2 wrong usage"
 }
 
 @test "each command has its own --help" {

@@ -20,7 +20,22 @@ Run declareUnprotect(CLI::App& command);
 Run declareInspect(CLI::App& command);
 Run declareDoctor(CLI::App& command);
 
+/// The first words of commands that have several, such as "dh params" of "dh params new".
+struct CommandGroup {
+    const char* name;
+    const char* description;
+};
+
+/// A group stands behind the group that it belongs to.
+inline constexpr CommandGroup COMMAND_GROUPS[] = {
+    {"dh", "Agree on a secret with a party that shares no key"},
+    {"dh params", "Make and judge the groups that an agreement takes place in"},
+    {"keys", "Derive the keys of a client"},
+    {"cert", "Show or judge a certificate"},
+};
+
 struct Command {
+    /// All words, for example "dh params new".
     const char* name;
     const char* description;
     Run (*declare)(CLI::App& command);

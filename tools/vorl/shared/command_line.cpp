@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <sstream>
 #include <string>
 
 namespace vorl::tool {
@@ -18,8 +19,9 @@ namespace vorl::tool {
 namespace {
 
 const char EXIT_STATUSES[] =
-    "Exit status: 0 success, 1 refused by the policy, 2 wrong usage, 3 input unreadable or malformed,\n"
-    "4 cannot be opened (wrong key or damaged data), 5 fault of the platform or the output.";
+    "Exit status: 0 success, 1 a clear no, 2 wrong usage, 3 input unreadable or malformed,\n"
+    "4 cannot be opened or agreed on (wrong key, damaged data, refused number),\n"
+    "5 fault of the platform or the output.";
 
 std::string versionText() {
     return "vorl " VORL_TOOL_VERSION "\n" + std::string(OpenSSL_version(OPENSSL_VERSION));
@@ -29,39 +31,83 @@ void declareVersion(CLI::App& app) {
     app.set_version_flag("--version", versionText, "Print the versions of vorl and OpenSSL and exit");
 }
 
-void declareCommands(CLI::App& app, Run& chosen) {
-    for (const Command& command : COMMANDS) {
-        CLI::App* const subcommand = app.add_subcommand(command.name, command.description);
-        declareVersion(*subcommand);
-        subcommand->footer(EXIT_STATUSES);
-        subcommand->callback([&chosen, run = command.declare(*subcommand)] { chosen = run; });
+// What exists already under a name such as "dh params"; the tool itself under none.
+CLI::App* commandNamed(CLI::App& app, const std::string& name) {
+    CLI::App* command = &app;
+    std::istringstream words(name);
+    for (std::string word; words >> word;) {
+        command = command->get_subcommand(word);
     }
+    return command;
+}
+
+CLI::App* addCommand(CLI::App& app, const std::string& name, const std::string& description) {
+    const std::size_t blank = name.rfind(' ');
+    const bool isInGroup = blank != std::string::npos;
+    CLI::App* const parent = commandNamed(app, isInGroup ? name.substr(0, blank) : "");
+    CLI::App* const command = parent->add_subcommand(isInGroup ? name.substr(blank + 1) : name, description);
+    declareVersion(*command);
+    command->footer(EXIT_STATUSES);
+    return command;
+}
+
+void declareCommands(CLI::App& app, Run& chosen) {
     // At most one: what follows a command is its own, even if it is a file with the name of a command.
     app.require_subcommand(0, 1);
+    for (const CommandGroup& group : COMMAND_GROUPS) {
+        addCommand(app, group.name, group.description)->require_subcommand(0, 1);
+    }
+    for (const Command& command : COMMANDS) {
+        CLI::App* const subcommand = addCommand(app, command.name, command.description);
+        subcommand->callback([&chosen, run = command.declare(*subcommand)] { chosen = run; });
+    }
+}
+
+// "vorl" and the words of the command, as far as they were understood.
+std::string commandText(const CLI::App& app) {
+    std::string text = app.get_name();
+    for (auto commands = app.get_subcommands(); !commands.empty();
+         commands = commands.back()->get_subcommands()) {
+        text += " " + commands.back()->get_name();
+    }
+    return text;
 }
 
 ExitStatus refuseUsage(const CLI::App& app, const CLI::ParseError& error) {
-    const auto commands = app.get_subcommands();
     sayError(error.what());
-    sayHint("'vorl" + (commands.empty() ? "" : " " + commands.back()->get_name()) +
-            " --help' shows the usage");
+    sayHint("'" + commandText(app) + " --help' shows the usage");
     return ExitStatus::USAGE;
+}
+
+bool isCommand(const std::string& name) {
+    return std::any_of(std::begin(COMMANDS), std::end(COMMANDS),
+                       [&name](const Command& command) { return name == command.name; });
+}
+
+bool isGroup(const std::string& name) {
+    return std::any_of(std::begin(COMMAND_GROUPS), std::end(COMMAND_GROUPS),
+                       [&name](const CommandGroup& group) { return name == group.name; });
 }
 
 // The parser would name everything that follows, and answer a --help among it.
 void refuseUnknownCommand(int argc, const char* const* argv) {
-    const std::string first = argc > 1 ? argv[1] : "-";
-    const bool isKnown = std::any_of(std::begin(COMMANDS), std::end(COMMANDS),
-                                     [&first](const Command& command) { return first == command.name; });
-    if (!isKnown && first.substr(0, 1) != "-") {
-        throw ToolError(ExitStatus::USAGE, "there is no command '" + first + "'",
-                        "'vorl --help' lists the commands");
+    std::string before;
+    for (int i = 1; i < argc && argv[i][0] != '-'; ++i) {
+        const std::string name = before + argv[i];
+        if (isCommand(name)) {
+            return;
+        }
+        if (!isGroup(name)) {
+            throw ToolError(ExitStatus::USAGE, "there is no command '" + name + "'",
+                            "'vorl " + before + "--help' lists the commands");
+        }
+        before = name + " ";
     }
 }
 
 ExitStatus parseAndRun(int argc, const char* const* argv) {
     refuseUnknownCommand(argc, argv);
-    CLI::App app("Protects messages in envelopes, opens them, and looks into them.", "vorl");
+    CLI::App app("Protects messages, agrees on keys, and shows what records are made of.", "vorl");
     declareVersion(app);
     app.footer(EXIT_STATUSES);
     Run chosen;
@@ -78,7 +124,8 @@ ExitStatus parseAndRun(int argc, const char* const* argv) {
         return refuseUsage(app, error);
     }
     if (!chosen) {
-        throw ToolError(ExitStatus::USAGE, "a command is needed", "'vorl --help' lists the commands");
+        throw ToolError(ExitStatus::USAGE, "a command is needed",
+                        "'" + commandText(app) + " --help' lists the commands");
     }
     return chosen();
 }

@@ -20,18 +20,19 @@ namespace {
 const std::size_t SMALLEST_STEP_BYTES = std::size_t{64} * 1024;
 // The formats count in 32 bits.
 const std::uint64_t MAX_INPUT_BYTES = std::numeric_limits<std::uint32_t>::max();
+const std::uint64_t MAX_SMALL_INPUT_BYTES = std::uint64_t{1} << 20;
+const std::size_t PIECE_BYTES = std::size_t{64} * 1024;
 
 [[noreturn]] void refuse(const std::string& path, const std::string& why) {
     throw ToolError(ExitStatus::BAD_INPUT, "cannot read " + inputName(path) + ": " + why);
 }
 
-[[noreturn]] void refuseSize(const std::string& path) {
-    refuse(path, "it is larger than " + std::to_string(MAX_INPUT_BYTES) +
-                     " bytes, which is more than the formats can hold");
+[[noreturn]] void refuseSize(const std::string& path, std::uint64_t maxBytes) {
+    refuse(path, "it is larger than " + std::to_string(maxBytes) + " bytes, which is more than " +
+                     (maxBytes == MAX_INPUT_BYTES ? "the formats can hold" : "is ever needed"));
 }
 
-// What is expected to be read: a guess for anything but a regular file.
-std::size_t expectedBytes(int fd, const std::string& path) {
+struct stat statusOf(int fd, const std::string& path) {
     struct stat status {};
     if (fstat(fd, &status) != 0) {
         refuse(path, systemText(errno));
@@ -39,35 +40,69 @@ std::size_t expectedBytes(int fd, const std::string& path) {
     if (S_ISDIR(status.st_mode)) {
         refuse(path, "it is a directory");
     }
+    return status;
+}
+
+// What is expected to be read: a guess for anything but a regular file.
+std::size_t expectedBytes(int fd, const std::string& path, std::uint64_t maxBytes) {
+    const struct stat status = statusOf(fd, path);
     if (!S_ISREG(status.st_mode) || status.st_size <= 0) {
         return SMALLEST_STEP_BYTES;
     }
-    if (static_cast<std::uint64_t>(status.st_size) > MAX_INPUT_BYTES) {
-        refuseSize(path);
+    if (static_cast<std::uint64_t>(status.st_size) > maxBytes) {
+        refuseSize(path, maxBytes);
     }
     return static_cast<std::size_t>(status.st_size);
 }
 
-bytes readAll(int fd, const std::string& path) {
+std::size_t readPiece(int fd, const std::string& path, void* data, std::size_t size) {
+    const std::ptrdiff_t received = readSome(fd, data, size);
+    if (received < 0) {
+        refuse(path, systemText(errno));
+    }
+    return static_cast<std::size_t>(received);
+}
+
+bytes readAll(int fd, const std::string& path, std::uint64_t maxBytes) {
     // One byte more than expected, so that the end shows without another round.
-    bytes content(expectedBytes(fd, path) + 1);
+    bytes content(expectedBytes(fd, path, maxBytes) + 1);
     std::size_t size = 0;
     for (;;) {
-        const std::ptrdiff_t received = readSome(fd, content.data() + size, content.size() - size);
-        if (received < 0) {
-            refuse(path, systemText(errno));
-        }
+        const std::size_t received = readPiece(fd, path, content.data() + size, content.size() - size);
         if (received == 0) {
             content.resize(size);
             return content;
         }
-        size += static_cast<std::size_t>(received);
-        if (size > MAX_INPUT_BYTES) {
-            refuseSize(path);
+        size += received;
+        if (size > maxBytes) {
+            refuseSize(path, maxBytes);
         }
         if (size == content.size()) {
             content.resize(std::max(2 * size, SMALLEST_STEP_BYTES));
         }
+    }
+}
+
+// Opens what is not standard input for as long as `read` reads it.
+void withDescriptor(const std::string& path, const std::function<void(int fd)>& read) {
+    if (path == STANDARD_STREAM) {
+        read(STDIN_FILENO);
+        return;
+    }
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen()) {
+        refuse(path, systemText(errno));
+    }
+    read(file.get());
+}
+
+bytes readUpTo(const std::string& path, std::uint64_t maxBytes) {
+    try {
+        bytes content;
+        withDescriptor(path, [&](int fd) { content = readAll(fd, path, maxBytes); });
+        return content;
+    } catch (const std::bad_alloc&) {
+        refuse(path, "it does not fit in memory");
     }
 }
 
@@ -78,18 +113,23 @@ std::string inputName(const std::string& path) {
 }
 
 bytes readInput(const std::string& path) {
-    try {
-        if (path == STANDARD_STREAM) {
-            return readAll(STDIN_FILENO, path);
+    return readUpTo(path, MAX_INPUT_BYTES);
+}
+
+bytes readSmallInput(const std::string& path) {
+    return readUpTo(path, MAX_SMALL_INPUT_BYTES);
+}
+
+void readInPieces(const std::string& path, const std::function<void(const bytes&)>& take) {
+    withDescriptor(path, [&](int fd) {
+        statusOf(fd, path);
+        bytes piece(PIECE_BYTES);
+        while (const std::size_t received = readPiece(fd, path, piece.data(), PIECE_BYTES)) {
+            piece.resize(received);
+            take(piece);
+            piece.resize(PIECE_BYTES);
         }
-        const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-        if (!file.isOpen()) {
-            refuse(path, systemText(errno));
-        }
-        return readAll(file.get(), path);
-    } catch (const std::bad_alloc&) {
-        refuse(path, "it does not fit in memory");
-    }
+    });
 }
 
 }  // namespace vorl::tool

@@ -3,6 +3,7 @@
 
 #include "vorl/bytes.h"
 
+#include <functional>
 #include <string>
 
 namespace vorl::tool {
@@ -15,6 +16,13 @@ std::string inputName(const std::string& path);
 
 /// All of a file, or of standard input. Throws ToolError where it cannot be read or is too large.
 bytes readInput(const std::string& path);
+
+/// The same for what is small by nature, such as a certificate: more than 1 MiB is refused.
+bytes readSmallInput(const std::string& path);
+
+/// Hands a file, or standard input, to `take` piece by piece, so that it may have any size. Throws ToolError
+/// where it cannot be read, and whatever `take` throws.
+void readInPieces(const std::string& path, const std::function<void(const bytes&)>& take);
 
 }  // namespace vorl::tool
 

@@ -45,17 +45,22 @@ private:
     };
 
     void initObj();
-    bool restart();
+    void restart();
     void feed(const unsigned char* data, std::size_t size);
+    void feedUnmarked(const unsigned char* data, std::size_t size);
     bytes finish();
     bytes base64CodeOf(const unsigned char* data, std::size_t size);
 
     bytes key_;
     std::shared_ptr<const DigestAlgo> algo_;
     std::unique_ptr<HMAC_CTX, FreeContext> ctx_;
+    // What OpenSSL is given for the digest.
+    const EVP_MD* md_ = nullptr;
     // Results of OpenSSL are not reported, but remembered: it does not survive a context that is half made.
     bool keyed_ = false;
     bool started_ = false;
+    // Started, and no data fed since.
+    bool fresh_ = false;
 };
 
 }  // namespace vorl

@@ -26,23 +26,27 @@ HMAC::~HMAC() {
 }
 
 void HMAC::init() {
-    const ErrorQueueMark mark;
-    started_ = restart();
+    if (!fresh_) {
+        const ErrorQueueMark mark;
+        restart();
+    }
 }
 
 void HMAC::update(const unsigned char* data, unsigned int len) {
-    const ErrorQueueMark mark;
     feed(data, len);
 }
 
 void HMAC::update(const bytes& data) {
-    const ErrorQueueMark mark;
     feed(data.data(), data.size());
 }
 
 bytes HMAC::final() {
-    const ErrorQueueMark mark;
-    return finish();
+    ErrorQueueMark mark;
+    bytes code = finish();
+    if (started_) {
+        mark.nothingFailed();
+    }
+    return code;
 }
 
 bytes HMAC::hmac(const unsigned char* data, unsigned int len) {
@@ -59,25 +63,39 @@ void HMAC::FreeContext::operator()(HMAC_CTX* context) const {
 
 void HMAC::initObj() {
     const ErrorQueueMark mark;
+    md_ = fetchedMd(algo_->md);
     ctx_.reset(HMAC_CTX_new());
     // OpenSSL takes a null pointer for "the key as before", so that an empty key would be none at all.
     static const unsigned char empty = 0;
     const unsigned char* const key = key_.empty() ? &empty : key_.data();
     const bool countable = key_.size() <= static_cast<std::size_t>(std::numeric_limits<int>::max());
     keyed_ = ctx_ != nullptr && countable &&
-             HMAC_Init_ex(ctx_.get(), key, static_cast<int>(key_.size()), fetchedMd(algo_->md), nullptr) != 0;
+             HMAC_Init_ex(ctx_.get(), key, static_cast<int>(key_.size()), md_, nullptr) != 0;
     started_ = keyed_;
+    fresh_ = keyed_;
 }
 
-bool HMAC::restart() {
+void HMAC::restart() {
     if (!keyed_) {
         initObj();
-        return started_;
+        return;
     }
-    return HMAC_Init_ex(ctx_.get(), nullptr, 0, nullptr, nullptr) != 0;
+    started_ = HMAC_Init_ex(ctx_.get(), nullptr, 0, nullptr, nullptr) != 0;
+    fresh_ = started_;
 }
 
 void HMAC::feed(const unsigned char* data, std::size_t size) {
+    fresh_ = false;
+    if (algo_->md != md_) {
+        // One of our own digests takes whatever it is given.
+        feedUnmarked(data, size);
+    } else {
+        const ErrorQueueMark mark;
+        feedUnmarked(data, size);
+    }
+}
+
+void HMAC::feedUnmarked(const unsigned char* data, std::size_t size) {
     started_ = started_ && feedInPieces(data, size, [this](const unsigned char* piece, std::size_t n) {
                    return HMAC_Update(ctx_.get(), piece, n);
                });
@@ -88,16 +106,26 @@ bytes HMAC::finish() {
     unsigned int length = 0;
     if (!started_ || HMAC_Final(ctx_.get(), code.data(), &length) == 0) {
         length = 0;
+        started_ = false;
+    } else {
+        // Here, under the caller's mark, so that the next init() need not set another one.
+        restart();
     }
     code.resize(length);
     return code;
 }
 
 bytes HMAC::base64CodeOf(const unsigned char* data, std::size_t size) {
-    const ErrorQueueMark mark;
-    started_ = restart();
+    ErrorQueueMark mark;
+    if (!fresh_) {
+        restart();
+    }
     feed(data, size);
-    return Tarvik::BrisClient::Base64::encode(finish());
+    const bytes code = finish();
+    if (started_) {
+        mark.nothingFailed();
+    }
+    return Tarvik::BrisClient::Base64::encode(code);
 }
 
 }  // namespace vorl

@@ -45,7 +45,7 @@ struct Command {
 inline constexpr Command COMMANDS[] = {
     {"protect", "Put a message into an envelope", declareProtect},
     {"unprotect", "Take the message out of an envelope", declareUnprotect},
-    {"inspect", "Show an envelope field by field; takes no key", declareInspect},
+    {"inspect", "Show field by field what a record is made of; takes no key", declareInspect},
     {"doctor", "Check what the tool depends on", declareDoctor},
 };
 

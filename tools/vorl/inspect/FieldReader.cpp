@@ -1,9 +1,11 @@
 #include "inspect/FieldReader.h"
 
 #include "inspect/numbers.h"
+#include "shared/SecretBytes.h"
 #include "vorl/Util.h"
 
 #include <algorithm>
+#include <utility>
 
 // A length, by its first byte:
 //
@@ -22,11 +24,28 @@ const std::uint64_t FRAGMENT_UNIT = 16384;
 FieldReader::FieldReader(const bytes& record, Report& report)
     : record_(record), report_(report), in_(record) {}
 
+FieldReader::~FieldReader() {
+    const SecretBytes wiped(std::move(in_).toByteArray());
+}
+
 unsigned char FieldReader::readByte(const std::string& name) {
     const std::uint64_t begin = offset();
     const unsigned char value = in_.get();
     addField(begin, name, 0, "");
     return value;
+}
+
+bool FieldReader::readBytes(const std::string& name, unsigned int size) {
+    const std::uint64_t begin = offset();
+    const unsigned int available = in_.skip(size);
+    if (available > 0) {
+        addField(begin, name, 0, available == size ? "" : "cut short");
+    }
+    if (available < size) {
+        setProblem(begin, "the " + name + " is cut short: " + bytesText(size) + " needed, " +
+                              std::to_string(available) + " there");
+    }
+    return available == size;
 }
 
 std::optional<std::uint64_t> FieldReader::readBlock(const std::string& name, const std::string& meaning) {
@@ -123,7 +142,7 @@ void FieldReader::addField(std::uint64_t begin, const std::string& name, unsigne
     const std::uint64_t length = offset() - begin;
     const auto first = record_.begin() + static_cast<std::ptrdiff_t>(begin);
     const auto shown = static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(length, MAX_SHOWN_BYTES));
-    report_.fields.push_back({begin, length, name, fragment, bytes(first, first + shown), meaning});
+    report_.fields.push_back({begin, length, name, fragment, bytes(first, first + shown), meaning, ""});
 }
 
 }  // namespace vorl::tool

@@ -14,12 +14,18 @@ class FieldReader {
 public:
     /// Both must outlive the reader.
     FieldReader(const bytes& record, Report& report);
+    /// Wipes what it read, which may hold a private key.
+    ~FieldReader();
+    FieldReader(const FieldReader&) = delete;
+    FieldReader& operator=(const FieldReader&) = delete;
 
     std::uint64_t offset() const { return in_.ridx(); }
     bool atEnd() const { return in_.ridx() == in_.widx(); }
 
     /// The next byte, as a field. There must be one.
     unsigned char readByte(const std::string& name);
+    /// The next `size` bytes, as a field. False where there are fewer, which is then the report's problem.
+    bool readBytes(const std::string& name, unsigned int size);
     /// A block: a length and content, perhaps in several fragments. Its size in octets; nothing where it
     /// cannot be read to its end, which is then the report's problem.
     std::optional<std::uint64_t> readBlock(const std::string& name, const std::string& meaning);

@@ -22,6 +22,8 @@ struct Field {
     /// The first bytes of the field, up to MAX_SHOWN_BYTES of them.
     bytes head;
     std::string meaning;
+    /// What stands for the bytes where they are secret, and `head` is empty for that reason.
+    std::string fingerprint = std::string();
 };
 
 const std::size_t MAX_SHOWN_BYTES = 16;
@@ -47,12 +49,15 @@ struct Fact {
 
 /// What can be told about an input without any key.
 struct Report {
-    /// "envelope", or "unknown" where the input shows too little of itself.
+    /// For example "envelope"; "unknown" where the input shows too little of itself. Stable.
     std::string kind = "unknown";
+    /// What people call it, where that is not its kind.
+    std::string title;
     bool isBase64 = false;
+    bool isPem = false;
     /// The input as it was given, a newline behind Base64 text included.
     std::uint64_t inputBytes = 0;
-    /// The record itself.
+    /// The record itself; for PEM text, all of it.
     std::uint64_t recordBytes = 0;
     std::vector<Field> fields;
     std::vector<Fact> facts;

@@ -1,14 +1,142 @@
 #include "inspect/inspect_bytes.h"
 
 #include "inspect/base64_text.h"
+#include "inspect/dh_group.h"
+#include "inspect/dh_numbers.h"
+#include "inspect/dh_record.h"
 #include "inspect/envelope.h"
+#include "inspect/number_blocks.h"
+#include "inspect/pem_text.h"
+#include "inspect/structure.h"
+#include "shared/SecretBytes.h"
 #include "vorl/VORLLib.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace vorl::tool {
 
-Report inspectBytes(const bytes& input) {
+namespace {
+
+// What is asked of an input, and where the answer goes.
+struct Inspection {
+    Report& report;
+    Secrets secrets;
+};
+
+bool isWholeEnvelope(const bytes& record) {
+    return !structureFault(record).has_value();
+}
+
+// A version, and the length of the IV that it goes with.
+bool beginsAsFullEnvelope(const bytes& record) {
+    return record.size() >= 2 && record[0] == 0x02 && record[1] == 0x10;
+}
+
+bool isAnything(const bytes& /*record*/) {
+    return true;
+}
+
+bool isEncodedGroup(const bytes& record) {
+    return numberBlocksIn(record) == 2;
+}
+
+bool isEncodedPair(const bytes& record) {
+    return numberBlocksIn(record) == 4;
+}
+
+void takeEnvelope(const bytes& record, const Inspection& to) {
+    inspectEnvelope(record, to.report);
+}
+
+void takeDhRecord(const bytes& record, const Inspection& to) {
+    inspectDhRecord(record, to.report);
+}
+
+void takeDerGroup(const bytes& record, const Inspection& to) {
+    inspectGroupInDer(record, to.report);
+}
+
+void takeGroup(const bytes& record, const Inspection& to) {
+    inspectDhParams(record, to.report);
+}
+
+void takePair(const bytes& record, const Inspection& to) {
+    inspectDhState(record, to.report, to.secrets);
+}
+
+struct RecordForm {
+    const char* kind;
+    bool (*fits)(const bytes& record);
+    void (*take)(const bytes& record, const Inspection& to);
+};
+
+// The first that fits is what a record is taken for: forms that show themselves stand before those that any
+// bytes could be, which a bare key is by its size alone.
+const RecordForm RECORD_FORMS[] = {
+    {"dh-record", beginsAsDhRecord, takeDhRecord}, {"dh-params", isGroupInDer, takeDerGroup},
+    {"envelope", isWholeEnvelope, takeEnvelope},   {"envelope", beginsAsFullEnvelope, takeEnvelope},
+    {"dh-record", isOfBareKeySize, takeDhRecord},  {"dh-params", isEncodedGroup, takeGroup},
+    {"dh-state", isEncodedPair, takePair},         {"envelope", isAnything, takeEnvelope},
+};
+
+// Of the forms of one kind the last one takes what none fits, too.
+const RecordForm& formOf(const bytes& record, const std::string& kind) {
+    const RecordForm* last = nullptr;
+    for (const RecordForm& form : RECORD_FORMS) {
+        if (kind.empty() || kind == form.kind) {
+            last = &form;
+            if (form.fits(record)) {
+                break;
+            }
+        }
+    }
+    return *last;
+}
+
+struct PemForm {
+    bool (*fits)(const std::string& label);
+    void (*take)(const bytes& text, const Inspection& to);
+};
+
+void takePemGroup(const bytes& text, const Inspection& to) {
+    inspectGroupInPem(text, to.report);
+}
+
+const PemForm PEM_FORMS[] = {
+    {isGroupLabel, takePemGroup},
+};
+
+// The first block of a kind that is known; texts often hold others around it.
+void inspectPem(const bytes& text, const std::vector<PemBlock>& blocks, const Inspection& to) {
+    to.report.isPem = true;
+    to.report.recordBytes = text.size();
+    for (const PemBlock& block : blocks) {
+        const auto form = std::find_if(std::begin(PEM_FORMS), std::end(PEM_FORMS),
+                                       [&block](const PemForm& each) { return each.fits(block.label); });
+        if (form != std::end(PEM_FORMS)) {
+            form->take(text, to);
+            return;
+        }
+    }
+    to.report.problem =
+        Problem{blocks.front().offset, "PEM text of an unknown kind: " + blocks.front().label};
+}
+
+}  // namespace
+
+std::vector<std::string> recordKinds() {
+    std::vector<std::string> kinds;
+    for (const RecordForm& form : RECORD_FORMS) {
+        if (std::find(kinds.begin(), kinds.end(), form.kind) == kinds.end()) {
+            kinds.emplace_back(form.kind);
+        }
+    }
+    return kinds;
+}
+
+Report inspectBytes(const bytes& input, Secrets secrets, const std::string& kind) {
     VORLLib::checkInit();
     Report report;
     report.inputBytes = input.size();
@@ -16,16 +144,22 @@ Report inspectBytes(const bytes& input) {
         report.problem = Problem{0, "the input is empty"};
         return report;
     }
+    const std::vector<PemBlock> blocks = pemBlocksIn(input);
+    if (!blocks.empty()) {
+        inspectPem(input, blocks, {report, secrets});
+        return report;
+    }
     DecodedText text = decodeBase64Text(input);
-    // Records begin with a byte below 0x20, so a text that decodes, or nearly does, was meant as a text.
+    // Records have bytes that Base64 has not, so a text that decodes, or nearly does, was meant as a text.
     report.isBase64 = !text.problem || resemblesBase64(input);
     if (report.isBase64 && text.problem) {
         report.problem = std::move(text.problem);
         return report;
     }
-    const bytes& record = report.isBase64 ? text.data : input;
+    const SecretBytes decoded(std::move(text.data));
+    const bytes& record = report.isBase64 ? decoded.get() : input;
     report.recordBytes = record.size();
-    inspectEnvelope(record, report);
+    formOf(record, kind).take(record, {report, secrets});
     return report;
 }
 

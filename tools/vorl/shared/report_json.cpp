@@ -18,6 +18,9 @@ Json fieldJson(const Field& field) {
     }
     json["value"] = Util::toHexString(field.head, "");
     json["valueIsComplete"] = field.head.size() == field.length;
+    if (!field.fingerprint.empty()) {
+        json["fingerprint"] = field.fingerprint;
+    }
     json["meaning"] = field.meaning;
     return json;
 }
@@ -32,7 +35,9 @@ struct ValueJson {
 
 std::string reportJson(const Report& report) {
     Json json = {{"kind", report.kind},
-                 {"form", report.isBase64 ? "base64" : "raw"},
+                 {"form", report.isPem      ? "pem"
+                          : report.isBase64 ? "base64"
+                                            : "raw"},
                  {"inputBytes", report.inputBytes},
                  {"recordBytes", report.recordBytes}};
     json["facts"] = Json::object();

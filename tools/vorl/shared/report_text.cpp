@@ -17,10 +17,14 @@ std::string nameText(const Field& field) {
     return field.fragment > 0 ? name + " " + std::to_string(field.fragment) : name;
 }
 
-Row fieldRow(const Field& field) {
+std::string valueText(const Field& field) {
     const std::string more = field.head.size() < field.length ? "..." : "";
-    return {std::to_string(field.offset), std::to_string(field.length), nameText(field),
-            Util::toHexString(field.head, "") + more, field.meaning};
+    return field.fingerprint.empty() ? Util::toHexString(field.head, "") + more : field.fingerprint;
+}
+
+Row fieldRow(const Field& field) {
+    return {std::to_string(field.offset), std::to_string(field.length), nameText(field), valueText(field),
+            field.meaning};
 }
 
 std::string padded(const std::string& text, std::size_t width, bool isNumber) {
@@ -58,10 +62,14 @@ struct ValueText {
     }
 };
 
+std::string titleText(const Report& report) {
+    return report.kind == "unknown" ? "unknown record" : report.title.empty() ? report.kind : report.title;
+}
+
 std::string headText(const Report& report) {
-    const std::string form = report.isBase64 ? "Base64 text" : "raw bytes";
-    std::string text = (report.kind == "unknown" ? "unknown record" : report.kind) + ", given as " + form +
-                       ": " + std::to_string(report.recordBytes) + " bytes";
+    const std::string form = report.isPem ? "PEM text" : report.isBase64 ? "Base64 text" : "raw bytes";
+    std::string text =
+        titleText(report) + ", given as " + form + ": " + std::to_string(report.recordBytes) + " bytes";
     if (report.isBase64) {
         text += " in " + std::to_string(report.inputBytes) + " characters";
     }

@@ -87,42 +87,47 @@ int descriptorFrom(const std::string& text) {
 }  // namespace
 
 void KeyFile::declare(CLI::App& command) {
-    CLI::Option* const path =
-        command.add_option("-k,--key", path_, "File that holds the key, as raw bytes, hex or Base64")
-            ->type_name("FILE");
-    command
-        .add_option_function<std::string>(
-            "--key-fd", [this](const std::string& text) { descriptor_ = descriptorFrom(text); },
-            "Read the key from this open file descriptor")
-        ->type_name("N")
-        ->excludes(path);
+    declareFile(command, "File that holds the key, as raw bytes, hex or Base64");
     command
         .add_option("--key-format", format_, "How the key is written, if it does not show: raw, hex, base64")
         ->check(CLI::IsMember({"raw", "hex", "base64"}).description(""))
         ->type_name("FORMAT");
 }
 
+void KeyFile::declareFile(CLI::App& command, const std::string& help) {
+    CLI::Option* const path = command.add_option("-k,--key", path_, help)->type_name("FILE");
+    command
+        .add_option_function<std::string>(
+            "--key-fd", [this](const std::string& text) { descriptor_ = descriptorFrom(text); },
+            "Read the key from this open file descriptor")
+        ->type_name("N")
+        ->excludes(path);
+}
+
 SecretBytes KeyFile::load(std::size_t neededBytes, const std::string& inputPath) const {
+    return keyFrom(content(inputPath), format_, neededBytes, source());
+}
+
+SecretBytes KeyFile::content(const std::string& inputPath) const {
     if (isStandardInput() && inputPath == STANDARD_STREAM) {
         refuseSameFile("standard input");
     }
     const OtherInput other(inputPath);
-    if (descriptor_) {
-        const std::string source = "descriptor " + std::to_string(*descriptor_);
-        other.refuseIfKey(*descriptor_, source);
-        return keyFrom(readSecret(*descriptor_, source), format_, neededBytes, source);
-    }
-    const std::string source = inputName(*path_);
-    if (isStandardInput()) {
-        other.refuseIfKey(STDIN_FILENO, source);
-        return keyFrom(readSecret(STDIN_FILENO, source), format_, neededBytes, source);
+    if (descriptor_ || isStandardInput()) {
+        const int fd = descriptor_.value_or(STDIN_FILENO);
+        other.refuseIfKey(fd, source());
+        return readSecret(fd, source());
     }
     const Descriptor file(open(path_->c_str(), O_RDONLY | O_CLOEXEC));
     if (!file.isOpen()) {
-        refuse(source, systemText(errno));
+        refuse(source(), systemText(errno));
     }
-    other.refuseIfKey(file.get(), source);
-    return keyFrom(readSecret(file.get(), source), format_, neededBytes, source);
+    other.refuseIfKey(file.get(), source());
+    return readSecret(file.get(), source());
+}
+
+std::string KeyFile::source() const {
+    return descriptor_ ? "descriptor " + std::to_string(*descriptor_) : inputName(*path_);
 }
 
 bool KeyFile::isStandardInput() const {

@@ -18,11 +18,17 @@ class KeyFile {
 public:
     /// Adds the options to a command. The object must outlive the parsing.
     void declare(CLI::App& command);
+    /// The same without --key-format, for a key that is not of bytes alone; `help` describes its file.
+    void declareFile(CLI::App& command, const std::string& help);
 
     bool isGiven() const { return path_.has_value() || descriptor_.has_value(); }
     /// The key that was named. `inputPath` is what the command reads besides: the two cannot be one file,
     /// or one stream, of which the key would take its part. Throws ToolError.
     SecretBytes load(std::size_t neededBytes, const std::string& inputPath) const;
+    /// What the file holds, as it is.
+    SecretBytes content(const std::string& inputPath) const;
+    /// How messages name the file.
+    std::string source() const;
 
 private:
     bool isStandardInput() const;

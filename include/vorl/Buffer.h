@@ -14,6 +14,7 @@
 namespace vorl {
 
 class OctetRuns;
+class WholeAppend;
 
 /// The growable byte array that every record is written into and read from.
 ///
@@ -90,8 +91,8 @@ public:
     void resize(unsigned int extra);
 
 private:
-    friend class ASN1BlockEncodable;
     friend class OctetRuns;
+    friend class WholeAppend;
 
     [[noreturn]] void refuseRead() const;
     // Takes back what was written from `end` on.

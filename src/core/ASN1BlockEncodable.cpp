@@ -1,5 +1,6 @@
 #include "vorl/ASN1BlockEncodable.h"
 
+#include "WholeAppend.h"
 #include "block_content.h"
 #include "index32.h"
 #include "length_determinant.h"
@@ -91,22 +92,17 @@ void ASN1BlockEncodable::encode(Buffer& b) const {
     }
     index32(end, "ASN1BlockEncodable: an index would pass 2^32-1");
 
-    const unsigned int before = b.widx();
-    try {
-        // No unit, no encoding: not even a zero length, and none to close a multiple of 16384 either.
-        done = 0;
-        for (Fragment fragment{}; done < units; done += fragment.units) {
-            fragment = nextFragment(units - done);
-            const LengthDeterminant determinant = determinantOf(fragment);
-            const Span span = spanOf(fragment, done, unit, hasSpare);
-            b.put(determinant.octets, determinant.size);
-            b.put(data.data() + span.start, static_cast<unsigned int>(span.count));
-        }
-    } catch (...) {
-        // The memory did not suffice; half a block is worse than none.
-        b.truncate(before);
-        throw;
+    WholeAppend append(b);
+    // No unit, no encoding: not even a zero length, and none to close a multiple of 16384 either.
+    done = 0;
+    for (Fragment fragment{}; done < units; done += fragment.units) {
+        fragment = nextFragment(units - done);
+        const LengthDeterminant determinant = determinantOf(fragment);
+        const Span span = spanOf(fragment, done, unit, hasSpare);
+        b.put(determinant.octets, determinant.size);
+        b.put(data.data() + span.start, static_cast<unsigned int>(span.count));
     }
+    append.complete();
 }
 
 void ASN1BlockEncodable::decode(Buffer& b) {

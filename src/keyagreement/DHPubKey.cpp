@@ -1,5 +1,6 @@
 #include "vorl/DHPubKey.h"
 
+#include "core/WholeAppend.h"
 #include "vorl/Buffer.h"
 #include "vorl/Env.h"
 #include "vorl/OctetString.h"
@@ -74,6 +75,7 @@ std::string DHPubKey::toString() const {
 }
 
 void DHPubKey::encode(Buffer& out) const {
+    WholeAppend append(out);
     switch (version_.val()) {
         case BARE_KEY:
             out.put(key_);
@@ -86,6 +88,7 @@ void DHPubKey::encode(Buffer& out) const {
             throw VORLException("Unknown Diffie-Hellman Public Key encoding version: 0x" +
                                 Util::toHexString(version_.val()));
     }
+    append.complete();
 }
 
 void DHPubKey::decode(Buffer& in) {

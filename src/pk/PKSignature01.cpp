@@ -1,5 +1,6 @@
 #include "vorl/PKSignature01.h"
 
+#include "core/WholeAppend.h"
 #include "core/length_determinant.h"
 #include "vorl/Buffer.h"
 #include "vorl/OctetString.h"
@@ -41,12 +42,14 @@ bytes PKSignature01::val() const {
 }
 
 void PKSignature01::encode(Buffer& out) const {
+    WholeAppend append(out);
     PKSignature::encode(out);
     out.put(OctetString(val_));
     if (val_.size() % LONG_FORM_LIMIT == 0) {
         // A block of whole fragments, or of none, does not end by itself.
         out.put(static_cast<unsigned char>(0x00));
     }
+    append.complete();
 }
 
 }  // namespace vorl

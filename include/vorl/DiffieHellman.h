@@ -38,13 +38,14 @@ public:
     /// The 128 bytes that the peer computes as well, from the text that its getPubKey() gave.
     ///
     /// Leading zero bytes of the shared number are left out, the rest stands at the front and zero bytes
-    /// behind it; the last byte is always 0. Where OpenSSL refuses the peer's number (one that is 0, 1, p - 1
-    /// or beyond) all 128 bytes are zero: whoever does not know the peer checks for that.
+    /// behind it; the last byte is always 0. Where OpenSSL does not compute,
+    /// because it refuses the peer's number (0, 1 and p - 1 among others) or has no memory, all 128 bytes are
+    /// zero: check for that before you use them.
     ///
     /// With instrumentation on, the peer's key and the secret are saved as "DHRemotePubKey" and
     /// "DHSharedSecret".
     /// Throws VORLException for text that is no record, for a key of fewer than 120 or more than 129 bytes
-    /// and for a group of another size; OpenSSLException where OpenSSL computes nothing.
+    /// and for a group of another size; OpenSSLException where OpenSSL answers 0.
     bytes computeSharedSecret(const bytes& serverPubKeyB64) const;
 
     /// Appends p, g, the public and the private key, each as an OctetString. A number that is 0 is not

@@ -34,8 +34,8 @@ public:
     DiffieHellmanParams& operator=(const DiffieHellmanParams& other);
     ~DiffieHellmanParams();
 
-    /// The parameters of the next PEM block in `bio`. An encrypted block is refused, never asked a password
-    /// for. Throws VORLException for a null BIO and where there is no such block.
+    /// The parameters of the next PEM block in `bio`. A block that is encrypted with a password is refused;
+    /// the password is never asked for. Throws VORLException for a null BIO and where there is no such block.
     static std::shared_ptr<DH> loadFromPEM(const std::shared_ptr<BIO>& bio);
     /// From a PEM file. Throws OpenSSLException "BIO_new_file()" where it cannot be opened, and as
     /// loadFromPEM().
@@ -48,7 +48,8 @@ public:
     static std::unique_ptr<DiffieHellmanParams> generate(unsigned int bits);
     static std::unique_ptr<DiffieHellmanParams> generate();
 
-    /// Appends p and g, each as an OctetString.
+    /// Appends p and g, each as an OctetString. A number that is 0 is not written: such a group cannot be
+    /// read back.
     void encode(Buffer& out) const;
     /// Throws ASN1Exception where a block is missing or cut short.
     static std::unique_ptr<DiffieHellmanParams> decode(Buffer& in);

@@ -1,7 +1,9 @@
 #include "vorl/BigNum.h"
 
+#include "core/ErrorQueueMark.h"
 #include "core/WipeUnlessKept.h"
 #include "core/memory_bio.h"
+#include "vorl/Env.h"
 #include "vorl/OpenSSLException.h"
 #include "vorl/Util.h"
 #include "vorl/safe_ptr.h"
@@ -54,6 +56,8 @@ BigNum::BigNum(const BigNum& other) : bn_(safe_ptr(BN_dup(other.bn_.get()))) {
 
 BigNum& BigNum::operator=(const BigNum& other) {
     if (this != &other) {
+        // Its failure is not reported.
+        const ErrorQueueMark mark;
         std::shared_ptr<BIGNUM> copy = safe_ptr(BN_dup(other.bn_.get()));
         wipe();
         bn_ = std::move(copy);
@@ -113,15 +117,13 @@ std::string BigNum::toFormatString(const std::string& name, unsigned int width, 
 }
 
 std::string BigNum::toFormatString(const std::string& name, unsigned int width, unsigned int level) const {
-    bytes number = encode();
-    const WipeUnlessKept wipe(number);
-    return Util::toFormatHexString(number, name, width, level);
+    const Env& env = *Env::instance();
+    return toFormatString(name, width, level, env.fmtSeparator(), env.fmtIndentSize());
 }
 
 std::string BigNum::toFormatString(const std::string& name) const {
-    bytes number = encode();
-    const WipeUnlessKept wipe(number);
-    return Util::toFormatHexString(number, name);
+    const Env& env = *Env::instance();
+    return toFormatString(name, env.fmtWidth(), env.fmtLevel());
 }
 
 // BN_free() leaves the digits in memory, and the number may have been a private key.

@@ -1,7 +1,9 @@
 #include "vorl/DiffieHellman.h"
 
 #include "core/ErrorQueueMark.h"
+#include "core/WholeAppend.h"
 #include "core/WipeUnlessKept.h"
+#include "core/length_determinant.h"
 #include "dh_fields.h"
 #include "vorl/BigNum.h"
 #include "vorl/Buffer.h"
@@ -17,6 +19,8 @@
 #include <openssl/bn.h>
 #include <openssl/dh.h>
 
+#include <cstddef>
+#include <string>
 #include <utility>
 
 // An encoded key pair, block by block:
@@ -96,11 +100,17 @@ void putNumber(Buffer& out, const BIGNUM* number) {
     out.put(OctetString(BigNum(number).encode()));
 }
 
+// The same OctetString, without the copies that one leaves in freed memory while it is written.
 void putSecretNumber(Buffer& out, const BIGNUM* number) {
-    OctetString block(BigNum(number).encode());
-    out.put(block);
-    bytes octets = std::move(block).takeBytes();
+    bytes octets = BigNum(number).encode();
     const WipeUnlessKept wipe(octets);
+    std::size_t done = 0;
+    for (Fragment fragment{}; done < octets.size(); done += fragment.units) {
+        fragment = nextFragment(octets.size() - done);
+        const LengthDeterminant determinant = determinantOf(fragment);
+        out.put(determinant.octets, determinant.size);
+        out.put(octets.data() + done, fragment.units);
+    }
 }
 
 BigNum nextNumber(Buffer& in) {
@@ -210,10 +220,12 @@ bytes DiffieHellman::computeSharedSecret(const bytes& serverPubKeyB64) const {
 
 void DiffieHellman::encode(Buffer& out) const {
     const DhNumbers numbers = numbersOf(dh_.get());
+    WholeAppend append(out);
     putNumber(out, numbers.p);
     putNumber(out, numbers.g);
     putNumber(out, numbers.pubKey);
     putSecretNumber(out, numbers.privKey);
+    append.complete();
 }
 
 std::unique_ptr<DiffieHellman> DiffieHellman::decode(Buffer& in) {

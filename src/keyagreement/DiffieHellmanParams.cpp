@@ -1,6 +1,7 @@
 #include "vorl/DiffieHellmanParams.h"
 
 #include "core/ErrorQueueMark.h"
+#include "core/WholeAppend.h"
 #include "core/memory_bio.h"
 #include "dh_fields.h"
 #include "vorl/BigNum.h"
@@ -148,8 +149,10 @@ std::unique_ptr<DiffieHellmanParams> DiffieHellmanParams::generate() {
 
 void DiffieHellmanParams::encode(Buffer& out) const {
     const DhNumbers numbers = numbersOf(dh_.get());
+    WholeAppend append(out);
     out.put(OctetString(BigNum(numbers.p).encode()));
     out.put(OctetString(BigNum(numbers.g).encode()));
+    append.complete();
 }
 
 std::unique_ptr<DiffieHellmanParams> DiffieHellmanParams::decode(Buffer& in) {

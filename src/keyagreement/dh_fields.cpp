@@ -123,23 +123,19 @@ OwnedNumber copyOf(const BIGNUM* number) {
     return OwnedNumber(number != nullptr ? BN_dup(number) : nullptr);
 }
 
-bool setGroup(DH* dh, OwnedNumber p, OwnedNumber g) {
+void setGroup(DH* dh, OwnedNumber p, OwnedNumber g) {
     // In one call: a DH that has neither number takes none without the other.
-    if (DH_set0_pqg(dh, p.get(), nullptr, g.get()) == 0) {
-        return false;
+    if (DH_set0_pqg(dh, p.get(), nullptr, g.get()) != 0) {
+        static_cast<void>(p.release());
+        static_cast<void>(g.release());
     }
-    static_cast<void>(p.release());
-    static_cast<void>(g.release());
-    return true;
 }
 
-bool setKeys(DH* dh, OwnedNumber pubKey, OwnedNumber privKey) {
-    if (DH_set0_key(dh, pubKey.get(), privKey.get()) == 0) {
-        return false;
+void setKeys(DH* dh, OwnedNumber pubKey, OwnedNumber privKey) {
+    if (DH_set0_key(dh, pubKey.get(), privKey.get()) != 0) {
+        static_cast<void>(pubKey.release());
+        static_cast<void>(privKey.release());
     }
-    static_cast<void>(pubKey.release());
-    static_cast<void>(privKey.release());
-    return true;
 }
 
 std::shared_ptr<DH> copyOfGroup(const DH* dh) {

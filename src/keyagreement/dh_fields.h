@@ -30,9 +30,9 @@ using OwnedNumber = std::unique_ptr<BIGNUM, WipeAndFree>;
 /// Null where OpenSSL fails, and for null.
 OwnedNumber copyOf(const BIGNUM* number);
 
-/// Both hand over to the DH what it takes, and nothing where they return false.
-bool setGroup(DH* dh, OwnedNumber p, OwnedNumber g);
-bool setKeys(DH* dh, OwnedNumber pubKey, OwnedNumber privKey);
+/// Hand over two numbers, none of them null, which is all that a DH could refuse.
+void setGroup(DH* dh, OwnedNumber p, OwnedNumber g);
+void setKeys(DH* dh, OwnedNumber pubKey, OwnedNumber privKey);
 
 /// A DH with the same p and g, without keys. Null where OpenSSL fails.
 std::shared_ptr<DH> copyOfGroup(const DH* dh);

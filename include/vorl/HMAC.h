@@ -44,6 +44,7 @@ private:
         void operator()(HMAC_CTX* context) const;
     };
 
+    // Failures of all these are under the mark of whoever calls.
     void initObj();
     void restart();
     void feed(const unsigned char* data, std::size_t size);

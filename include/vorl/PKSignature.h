@@ -24,7 +24,7 @@ public:
 
     virtual UInt8 version() const = 0;
     virtual std::shared_ptr<const PKSignatureAlgo> algo() const = 0;
-    /// The signature value, as long as the modulus of the key that made it.
+    /// The signature value. One that a key has made is as long as its modulus; a record may hold any.
     virtual bytes val() const = 0;
     /// Appends the record; in this class, its version byte.
     virtual void encode(Buffer& out) const;

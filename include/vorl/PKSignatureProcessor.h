@@ -50,7 +50,8 @@ public:
     /// cannot sign.
     virtual std::shared_ptr<const PKSignature> sign();
     /// Whether the signature is the key's own over the data. One that does not match, or is malformed, is
-    /// false and no error. Throws VORLException in another mode than VERIFY and without a key.
+    /// false and no error, as is one that OpenSSL has no memory to check.
+    /// Throws VORLException in another mode than VERIFY and without a key.
     virtual bool verify(const std::shared_ptr<const PKSignature>& signature);
     virtual ~PKSignatureProcessor();
 

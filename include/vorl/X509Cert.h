@@ -23,7 +23,7 @@ public:
     explicit X509Cert(std::shared_ptr<X509> x509);
 
     /// The next PEM block of a certificate. Throw OpenSSLException where there is none, where it is encrypted
-    /// (a password is never asked for) and where a file cannot be opened.
+    /// with a password, which is never asked for, and where a file cannot be opened.
     static std::shared_ptr<X509Cert> loadFromPEMBIO(const std::shared_ptr<BIO>& bio);
     static std::shared_ptr<X509Cert> loadFromPEMFile(const std::string& path);
     static std::shared_ptr<X509Cert> loadFromPEMStr(const std::string& pem);
@@ -48,13 +48,16 @@ public:
     /// OpenSSL cannot compare.
     bool isTimeValid() const;
 
-    /// For example "Nov 21 12:00:00 2026 GMT". Throws OpenSSLException where OpenSSL prints nothing.
+    /// For example "Nov 21 12:00:00 2026 GMT"; "Bad time value" for what is none.
+    /// Throws OpenSSLException where the text cannot be read back.
     static std::string print(const ASN1_TIME* time);
 
     /// The X509 itself, still owned by the object.
     X509* getX509() const { return x509_.get(); }
 
-    /// OpenSSL's description of the whole certificate. Throws OpenSSLException where OpenSSL cannot print it.
+    /// OpenSSL's description of the whole certificate. For a public key that OpenSSL cannot make out, it
+    /// prints the calling thread's error queue instead, and empties it. Throws OpenSSLException where OpenSSL
+    /// cannot print.
     std::string toString() const;
 
 private:

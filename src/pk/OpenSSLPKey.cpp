@@ -20,8 +20,11 @@ namespace {
 
 // OpenSSL takes a key that is not const, but does no more to it than count a reference, and than keep a copy
 // of the RSA key of a provider.
+//
+// A key without a modulus is none: OpenSSL would look for its size and not find it.
 std::shared_ptr<RSA> rsaOf(const EVP_PKEY* pkey) {
-    return safe_ptr(EVP_PKEY_get1_RSA(const_cast<EVP_PKEY*>(pkey)));
+    std::shared_ptr<RSA> rsa = safe_ptr(EVP_PKEY_get1_RSA(const_cast<EVP_PKEY*>(pkey)));
+    return rsa && RSA_get0_n(rsa.get()) != nullptr ? rsa : nullptr;
 }
 
 [[noreturn]] void fail(const char* context, int line, const char* function) {

@@ -10,6 +10,7 @@
 #include <brisclient/Base64.h>
 #include <openssl/asn1.h>
 #include <openssl/bio.h>
+#include <openssl/err.h>
 #include <openssl/pem.h>
 #include <openssl/x509.h>
 
@@ -40,6 +41,17 @@ const ASN1_STRING* firstCommonName(X509* x509, const char* function) {
         fail("X509_NAME_ENTRY_get_data(cn_entry)", __LINE__, function);
     }
     return name;
+}
+
+// What OpenSSL cannot make out it describes as such, and succeeds with entries left in the queue.
+bool printCertificate(BIO* bio, X509* x509) {
+    ERR_set_mark();
+    if (X509_print_ex(bio, x509, 0, 0) == 0) {
+        ERR_clear_last_mark();
+        return false;
+    }
+    ERR_pop_to_mark();
+    return true;
 }
 
 // False for a name that is empty, or that OpenSSL cannot make out.
@@ -171,7 +183,7 @@ std::string X509Cert::print(const ASN1_TIME* time) {
 
 std::string X509Cert::toString() const {
     const std::shared_ptr<BIO> bio = newMemoryBio();
-    if (!bio || X509_print_ex(bio.get(), x509_.get(), 0, 0) == 0) {
+    if (!bio || !printCertificate(bio.get(), x509_.get())) {
         fail("X509_print_ex()", __LINE__, __func__);
     }
     std::string text;

@@ -18,8 +18,8 @@ public:
     ErrorQueueMark(const ErrorQueueMark&) = delete;
     ErrorQueueMark& operator=(const ErrorQueueMark&) = delete;
 
-    /// Everything succeeded. An empty queue, which takes no mark, is then not looked at again: each look costs as
-    /// much as a tenth of a short HMAC.
+    /// Everything succeeded. An empty queue, which takes no mark, is then not looked at again: each look
+    /// takes as long as a tenth of a short HMAC.
     void nothingFailed() { mayHaveEntries_ = false; }
 
 private:

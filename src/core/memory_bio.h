@@ -23,8 +23,9 @@ bool readPending(BIO* bio, std::string& text);
 /// Copies what `bio` holds, as BIO_get_mem_data() tells it. False where that is nothing.
 bool copyContent(BIO* bio, std::string& text);
 
-/// The user data with which PEM readers fail at once on an encrypted text: an empty password. With neither a
-/// callback nor user data OpenSSL would ask for a password at the terminal, or read standard input.
+/// The user data with which PEM readers fail at once on a text that is encrypted with a password: an empty
+/// one. With neither a callback nor user data OpenSSL would ask for it at the terminal, or read standard
+/// input.
 char* noPassword();
 
 }  // namespace vorl

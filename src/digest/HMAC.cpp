@@ -18,6 +18,7 @@ namespace vorl {
 HMAC::HMAC(const bytes& key) : HMAC(key, DigestAlgo::SHA256()) {}
 
 HMAC::HMAC(const bytes& key, std::shared_ptr<const DigestAlgo> algo) : key_(key), algo_(std::move(algo)) {
+    const ErrorQueueMark mark;
     initObj();
 }
 
@@ -62,7 +63,6 @@ void HMAC::FreeContext::operator()(HMAC_CTX* context) const {
 }
 
 void HMAC::initObj() {
-    const ErrorQueueMark mark;
     md_ = fetchedMd(algo_->md);
     ctx_.reset(HMAC_CTX_new());
     // OpenSSL takes a null pointer for "the key as before", so that an empty key would be none at all.

@@ -9,12 +9,17 @@
 namespace {
 
 std::atomic<long> live{0};
-thread_local bool exhausted = false;
+thread_local bool limited = false;
+thread_local long left = 0;
 thread_local void* watched = nullptr;
 thread_local int watchedFrees = 0;
 
+bool isExhausted() {
+    return limited && left-- <= 0;
+}
+
 void* allocate(std::size_t size, const char* /*file*/, int /*line*/) {
-    if (exhausted || size == 0) {
+    if (size == 0 || isExhausted()) {
         return nullptr;
     }
     void* const p = std::malloc(size);
@@ -43,7 +48,7 @@ void* reallocate(void* p, std::size_t size, const char* file, int line) {
         release(p, file, line);
         return nullptr;
     }
-    return exhausted ? nullptr : std::realloc(p, size);
+    return isExhausted() ? nullptr : std::realloc(p, size);
 }
 
 // OpenSSL takes other functions only before its first allocation.
@@ -61,12 +66,13 @@ long openssl_memory::liveBlocks() {
     return live;
 }
 
-OpenSSLOutOfMemory::OpenSSLOutOfMemory() {
-    exhausted = true;
+OpenSSLOutOfMemory::OpenSSLOutOfMemory(long blocksLeft) {
+    limited = true;
+    left = blocksLeft;
 }
 
 OpenSSLOutOfMemory::~OpenSSLOutOfMemory() {
-    exhausted = false;
+    limited = false;
 }
 
 FreeWatch::FreeWatch(void* block) {

@@ -14,10 +14,10 @@ long liveBlocks();
 
 }  // namespace openssl_memory
 
-/// While it lives, OpenSSL gets no memory in this thread.
+/// While it lives, OpenSSL gets no memory in this thread, or none after so many more blocks.
 class OpenSSLOutOfMemory {
 public:
-    OpenSSLOutOfMemory();
+    explicit OpenSSLOutOfMemory(long blocksLeft = 0);
     ~OpenSSLOutOfMemory();
     OpenSSLOutOfMemory(const OpenSSLOutOfMemory&) = delete;
     OpenSSLOutOfMemory& operator=(const OpenSSLOutOfMemory&) = delete;

@@ -313,6 +313,21 @@ TEST_F(DigesterTest, FailureCarriesTheErrorQueueAndEmptiesIt) {
     EXPECT_EQ(takeErrorQueue(), ErrorCodes());
 }
 
+TEST_F(DigesterTest, FailureCarriesWhatTheDigestSaysOfIt) {
+    ScriptedDigest scripted;
+    Digester digester(scripted.algo());
+    digester.init();
+    scripted.initResult = 0;
+    scripted.updateResult = 0;
+    scripted.finalResult = 0;
+
+    // The reason of the entry, as OpenSSL prints it.
+    EXPECT_NE(errorStackOf([&] { digester.update(ABC); }).find("reason(43)"), std::string::npos);
+    EXPECT_NE(errorStackOf([&] { digester.final(); }).find("reason(43)"), std::string::npos);
+    EXPECT_NE(errorStackOf([&] { digester.init(); }).find("reason(43)"), std::string::npos);
+    EXPECT_EQ(takeErrorQueue(), ErrorCodes());
+}
+
 TEST_F(DigesterTest, SuccessLeavesTheErrorQueueAsItWas) {
     const unsigned long left = leaveApplicationError();
     for (const DigestAlgoCase& algo : DIGEST_ALGOS) {

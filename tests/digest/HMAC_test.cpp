@@ -304,17 +304,79 @@ TEST_F(HMACTest, HasAnEmptyCodeWhereDataWasRefusedUntilTheNextMessage) {
     EXPECT_EQ(code.final(), bytes(16, 0xd1));
 }
 
+// Whether of the inner digest or of the outer one, whose length OpenSSL reports all the same.
 TEST_F(HMACTest, HasAnEmptyCodeWhereTheEndIsRefused) {
-    ScriptedDigest scripted;
-    HMAC code(JEFE, scripted.algo());
+    for (const int goodFinals : {0, 1}) {
+        ScriptedDigest scripted;
+        HMAC code(JEFE, scripted.algo());
 
+        code.update(QUESTION);
+        scripted.finalResult = 0;
+        scripted.goodFinals = goodFinals;
+        EXPECT_EQ(code.final(), bytes()) << goodFinals;
+        scripted.goodFinals = goodFinals;
+        EXPECT_EQ(code.hmac(QUESTION), bytes()) << goodFinals;
+        scripted.finalResult = 1;
+        EXPECT_EQ(code.hmac(QUESTION), rawBase64(bytes(16, 0xd1))) << goodFinals;
+    }
+}
+
+TEST_F(HMACTest, HasAnEmptyCodeWhereTheKeyIsRefusedUntilItIsTaken) {
+    ScriptedDigest scripted;
+    scripted.initResult = 0;
+    HMAC code(JEFE, scripted.algo());
+    expectNoCode(code);
+
+    scripted.initResult = 1;
     code.update(QUESTION);
-    scripted.finalResult = 0;
     EXPECT_EQ(code.final(), bytes());
-    EXPECT_EQ(code.hmac(QUESTION), bytes());
-    scripted.finalResult = 1;
     EXPECT_EQ(code.hmac(QUESTION), rawBase64(bytes(16, 0xd1)));
 }
+
+struct RefusalCase {
+    const char* name;
+    int ScriptedDigest::*result;
+};
+
+const RefusalCase REFUSALS[] = {
+    {"OfTheKey", &ScriptedDigest::initResult},
+    {"OfData", &ScriptedDigest::updateResult},
+    {"OfTheEnd", &ScriptedDigest::finalResult},
+};
+
+class HMACRefusal : public ::testing::TestWithParam<RefusalCase> {};
+
+// Which no exception reports, so that its entry must not turn up in a report of something else.
+TEST_P(HMACRefusal, LeavesTheErrorQueueAsItWas) {
+    ScriptedDigest scripted;
+    for (const bool applicationHasErrors : {false, true}) {
+        const auto expectTheQueueAfter = [&](const char* what, auto&& action) {
+            ERR_clear_error();
+            ErrorCodes before;
+            if (applicationHasErrors) {
+                before.push_back(leaveApplicationError());
+            }
+            action();
+            EXPECT_EQ(takeErrorQueue(), before) << what << applicationHasErrors;
+        };
+        scripted.*GetParam().result = 1;
+        HMAC code(JEFE, scripted.algo());
+        scripted.*GetParam().result = 0;
+
+        expectTheQueueAfter("constructor", [&] { HMAC(JEFE, scripted.algo()); });
+        expectTheQueueAfter("update", [&] { code.update(QUESTION); });
+        expectTheQueueAfter("update of a pointer", [&] { code.update(QUESTION.data(), 3); });
+        expectTheQueueAfter("final", [&] { code.final(); });
+        expectTheQueueAfter("init", [&] { code.init(); });
+        expectTheQueueAfter("update after init", [&] { code.update(QUESTION.data(), 3); });
+        expectTheQueueAfter("final after init", [&] { code.final(); });
+        expectTheQueueAfter("hmac", [&] { code.hmac(QUESTION); });
+        expectTheQueueAfter("hmac of a pointer", [&] { code.hmac(QUESTION.data(), 3); });
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Calls, HMACRefusal, ::testing::ValuesIn(REFUSALS),
+                         [](const auto& test) { return test.param.name; });
 
 TEST_F(HMACTest, SuccessLeavesTheErrorQueueAsItWas) {
     const unsigned long left = leaveApplicationError();

@@ -3,6 +3,7 @@
 
 #include "vorl/DigestAlgo.h"
 
+#include <openssl/err.h>
 #include <openssl/evp.h>
 
 #include <algorithm>
@@ -12,8 +13,8 @@
 
 namespace vorl::test {
 
-/// A digest that an application has made itself, whose calls return what a test tells them to. Its value is
-/// always 16 octets 0xd1. One at a time.
+/// A digest that an application has made itself, whose calls return what a test tells them to, and leave an
+/// error in the queue where that is 0. Its value is always 16 octets 0xd1. One at a time.
 class ScriptedDigest {
 public:
     ScriptedDigest() : md_(EVP_MD_meth_new(NID_undef, NID_undef), EVP_MD_meth_free) {
@@ -36,6 +37,8 @@ public:
     int initResult = 1;
     int updateResult = 1;
     int finalResult = 1;
+    /// How many calls of final succeed before finalResult counts.
+    int goodFinals = 0;
     /// Octets that came in, in all.
     std::size_t fed = 0;
 
@@ -46,14 +49,20 @@ private:
         static ScriptedDigest* current = nullptr;
         return current;
     }
-    static int init(EVP_MD_CTX* /*ctx*/) { return script()->initResult; }
+    static int answer(int result) {
+        if (result == 0) {
+            ERR_put_error(ERR_LIB_USER, 0, 43, "digest", 1);
+        }
+        return result;
+    }
+    static int init(EVP_MD_CTX* /*ctx*/) { return answer(script()->initResult); }
     static int update(EVP_MD_CTX* /*ctx*/, const void* /*data*/, std::size_t size) {
         script()->fed += size;
-        return script()->updateResult;
+        return answer(script()->updateResult);
     }
     static int final(EVP_MD_CTX* /*ctx*/, unsigned char* out) {
         std::fill_n(out, VALUE_BYTES, static_cast<unsigned char>(0xd1));
-        return script()->finalResult;
+        return script()->goodFinals-- > 0 ? 1 : answer(script()->finalResult);
     }
 
     std::unique_ptr<EVP_MD, decltype(&EVP_MD_meth_free)> md_;

@@ -123,9 +123,13 @@ TEST_P(DigestsWithoutMemory, AnHmacThatCouldNotRestartDoesWhenThereIsSome) {
     HMAC code(KEY, GetParam().factory());
     for (int round = 0; round < 2; ++round) {
         EXPECT_EQ(codeWith(code), expectedCode) << round;
+        // So that init() has something to discard.
+        code.update(DATA);
         const unsigned long left = leaveApplicationError();
         {
             const OpenSSLOutOfMemory none;
+            code.init();
+            EXPECT_EQ(ERR_peek_last_error(), left);
             const bytes got = codeWith(code);
             EXPECT_TRUE(got == bytes() || got == expectedCode) << round;
         }

@@ -468,5 +468,18 @@ TEST(X509CertText, IsOpenSSLsDescription) {
     }
 }
 
+// A time that OpenSSL cannot print, it describes as such.
+TEST(X509CertText, OfACertificateThatPrintsInPartLeavesTheErrorQueueAsItWas) {
+    CertForm form;
+    form.notAfter = utcTime("junk");
+    const RawCert raw = rawCert(form);
+    const std::string expected = rawDescription(raw);
+    takeErrorQueue();
+    const unsigned long left = leaveApplicationError();
+
+    EXPECT_EQ(X509Cert(raw).toString(), expected);
+    EXPECT_EQ(takeErrorQueue(), ErrorCodes{left});
+}
+
 }  // namespace
 }  // namespace vorl::test

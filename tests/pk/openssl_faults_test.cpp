@@ -39,7 +39,10 @@ bool isFaulty(const char* call) {
 // OpenSSL's own function, of the same type as the one here that takes its place.
 template <typename Function>
 Function* own(Function* /*same*/, const char* name) {
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+    void* const address = dlsym(RTLD_NEXT, name);
+    Function* function = nullptr;
+    std::memcpy(&function, &address, sizeof(function));
+    return function;
 }
 
 }  // namespace

@@ -18,6 +18,15 @@ using Run = std::function<ExitStatus()>;
 Run declareProtect(CLI::App& command);
 Run declareUnprotect(CLI::App& command);
 Run declareInspect(CLI::App& command);
+Run declareDigest(CLI::App& command);
+Run declareHmac(CLI::App& command);
+Run declareDhParamsNew(CLI::App& command);
+Run declareDhParamsShow(CLI::App& command);
+Run declareDhParamsCheck(CLI::App& command);
+Run declareDhNew(CLI::App& command);
+Run declareDhPub(CLI::App& command);
+Run declareDhSecret(CLI::App& command);
+Run declareKeysDerive(CLI::App& command);
 Run declareDoctor(CLI::App& command);
 
 /// The first words of commands that have several, such as "dh params" of "dh params new".
@@ -46,6 +55,15 @@ inline constexpr Command COMMANDS[] = {
     {"protect", "Put a message into an envelope", declareProtect},
     {"unprotect", "Take the message out of an envelope", declareUnprotect},
     {"inspect", "Show field by field what a record is made of; takes no key", declareInspect},
+    {"digest", "Compute the digest of an input", declareDigest},
+    {"hmac", "Compute or verify the authentication code of an input", declareHmac},
+    {"dh params new", "Search for a new group", declareDhParamsNew},
+    {"dh params show", "Show the numbers of a group", declareDhParamsShow},
+    {"dh params check", "Let OpenSSL judge a group", declareDhParamsCheck},
+    {"dh new", "Make a key pair in a group", declareDhNew},
+    {"dh pub", "Write the text to send to the peer", declareDhPub},
+    {"dh secret", "Compute the secret that is shared with a peer", declareDhSecret},
+    {"keys derive", "Derive the encryption key and the HMAC key of a client", declareKeysDerive},
     {"doctor", "Check what the tool depends on", declareDoctor},
 };
 

@@ -108,6 +108,10 @@ SecretBytes KeyFile::load(std::size_t neededBytes, const std::string& inputPath)
     return keyFrom(content(inputPath), format_, neededBytes, source());
 }
 
+SecretBytes KeyFile::loadAnySize(const std::string& inputPath) const {
+    return keyOfAnySizeFrom(content(inputPath), format_, source());
+}
+
 SecretBytes KeyFile::content(const std::string& inputPath) const {
     if (isStandardInput() && inputPath == STANDARD_STREAM) {
         refuseSameFile("standard input");

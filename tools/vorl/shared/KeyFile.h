@@ -25,6 +25,8 @@ public:
     /// The key that was named. `inputPath` is what the command reads besides: the two cannot be one file,
     /// or one stream, of which the key would take its part. Throws ToolError.
     SecretBytes load(std::size_t neededBytes, const std::string& inputPath) const;
+    /// The same for a key that may have any size but none.
+    SecretBytes loadAnySize(const std::string& inputPath) const;
     /// What the file holds, as it is.
     SecretBytes content(const std::string& inputPath) const;
     /// How messages name the file.

@@ -44,8 +44,10 @@ TemporaryFile::TemporaryFile(const std::string& target)
 }
 
 TemporaryFile::~TemporaryFile() {
-    if (!path_.empty()) {
-        unlink(path_.c_str());
+    for (const std::string& left : {path_, kept_}) {
+        if (!left.empty()) {
+            unlink(left.c_str());
+        }
     }
 }
 
@@ -62,6 +64,25 @@ void TemporaryFile::replaceTarget() {
     check(file_.close());
     check(rename(path_.c_str(), target_.c_str()) == 0);
     path_.clear();
+}
+
+void TemporaryFile::replaceTargetForNow() {
+    const std::string second = path_ + "-";
+    if (link(target_.c_str(), second.c_str()) == 0) {
+        kept_ = second;
+    } else {
+        check(errno == ENOENT);
+    }
+    replaceTarget();
+}
+
+void TemporaryFile::takeBack() {
+    if (kept_.empty()) {
+        check(unlink(target_.c_str()) == 0);
+    } else {
+        check(rename(kept_.c_str(), target_.c_str()) == 0);
+        kept_.clear();
+    }
 }
 
 }  // namespace vorl::tool

@@ -30,6 +30,11 @@ public:
     void setMode(mode_t mode);
     /// Puts the file in the place of its target, once all of it is on the disk.
     void replaceTarget();
+    /// The same, but so that takeBack() can undo it: what was there before stays on the disk until the object
+    /// goes.
+    void replaceTargetForNow();
+    /// Puts back what was there before replaceTargetForNow(), be it nothing.
+    void takeBack();
 
 private:
     // Held from before the file exists until after it is gone.
@@ -47,6 +52,8 @@ private:
     const HeldSignals signals_;
     const std::string target_;
     std::string path_;
+    // Another name of the file that was replaced for now.
+    std::string kept_;
     Descriptor file_;
 };
 

@@ -117,6 +117,28 @@ Reading& namedOf(std::vector<Reading>& readings, const std::string& format, cons
 
 }  // namespace
 
+SecretBytes keyOfAnySizeFrom(const SecretBytes& content, const std::string& format,
+                             const std::string& source) {
+    if (sizeWithoutNewline(content.get()) == 0) {
+        throw ToolError(ExitStatus::BAD_INPUT, source + ": the key is empty");
+    }
+    std::vector<Reading> readings = readingsOf(content);
+    if (!format.empty()) {
+        return std::move(namedOf(readings, format, source).key);
+    }
+    if (readings.size() > 1) {
+        refuseAmbiguity(source, readings);
+    }
+    if (isLineOfText(content.get())) {
+        refuseLine(source, content.get());
+    }
+    return std::move(readings.front().key);
+}
+
+bool isTextOfKey(const SecretBytes& content) {
+    return readingsOf(content).size() > 1 || isLineOfText(content.get());
+}
+
 SecretBytes keyFrom(const SecretBytes& content, const std::string& format, std::size_t neededBytes,
                     const std::string& source) {
     if (sizeWithoutNewline(content.get()) == 0) {

@@ -15,6 +15,14 @@ namespace vorl::tool {
 SecretBytes keyFrom(const SecretBytes& content, const std::string& format, std::size_t neededBytes,
                     const std::string& source);
 
+/// The same for a key that may have any size but none. The size does not help to tell the forms apart, so
+/// that only what could be raw bytes alone needs no `format`.
+SecretBytes keyOfAnySizeFrom(const SecretBytes& content, const std::string& format,
+                             const std::string& source);
+
+/// Whether bytes that are meant to be random are a text instead, such as the hex or the Base64 of them.
+bool isTextOfKey(const SecretBytes& content);
+
 }  // namespace vorl::tool
 
 #endif

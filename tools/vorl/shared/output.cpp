@@ -9,7 +9,9 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <system_error>
 
 #include <fcntl.h>
@@ -47,14 +49,6 @@ mode_t modeFor(Readers readers) {
     return 0666 & ~mask;
 }
 
-// `existing` is the mode of the file that is replaced: nobody gets to read the new one who could not read it.
-void replaceFile(const std::string& path, const bytes& data, Readers readers, mode_t existing) {
-    TemporaryFile file(behindLinks(path));
-    file.write(data);
-    file.setMode(modeFor(readers) & existing);
-    file.replaceTarget();
-}
-
 void writeDirectly(const std::string& path, const bytes& data) {
     Descriptor device(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
     if (!device.isOpen() || !writeAll(device.get(), data.data(), data.size()) || !device.close()) {
@@ -74,42 +68,118 @@ bool isStandardOutput(const struct stat& status) {
            standard.st_ino == status.st_ino;
 }
 
-void writeExisting(const std::string& path, const struct stat& status, const bytes& data, Readers readers) {
-    if (S_ISDIR(status.st_mode)) {
-        refuse("'" + path + "'", "it is a directory");
-    }
-    if (isStandardOutput(status)) {
-        writeStandardOutput(data.data(), data.size());
-    } else if (S_ISREG(status.st_mode)) {
-        // The folder alone decides on a renaming, which would let it pass over a file that is protected.
-        if (faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) {
-            refuse("'" + path + "'", systemText(errno));
+// A result on its way to the file of its name: everything that can be refused is refused before any of it is
+// seen there.
+class PendingFile {
+public:
+    PendingFile(const std::string& path, const bytes& data, Readers readers) : path_(path), data_(data) {
+        struct stat status {};
+        const bool exists = stat(path.c_str(), &status) == 0;
+        if (!exists && errno != ENOENT) {
+            refuse(name(), systemText(errno));
         }
-        replaceFile(path, data, readers, status.st_mode);
-    } else {
-        writeDirectly(path, data);
+        // What such a link is for is not known, so that it is neither replaced nor brought to life.
+        if (!exists && isDanglingLink(path)) {
+            refuse(name(), "it is a link to something that is not there");
+        }
+        orRefuse([&] {
+            if (!exists) {
+                prepareFile(readers, ANY_MODE);
+            } else {
+                prepareExisting(status, readers);
+            }
+        });
     }
-}
 
-void writeFile(const std::string& path, const bytes& data, Readers readers) {
-    struct stat status {};
-    const bool exists = stat(path.c_str(), &status) == 0;
-    if (!exists && errno != ENOENT) {
-        refuse("'" + path + "'", systemText(errno));
+    void complete() {
+        orRefuse([this] {
+            if (file_) {
+                file_->replaceTarget();
+            } else {
+                writeAsItIs();
+            }
+        });
     }
-    // What such a link is for is not known, so that it is neither replaced nor brought to life.
-    if (!exists && isDanglingLink(path)) {
-        refuse("'" + path + "'", "it is a link to something that is not there");
+    // The same, so that takeBack() can undo it, but for what went to a device.
+    void completeForNow() {
+        orRefuse([this] {
+            if (file_) {
+                file_->replaceTargetForNow();
+            } else {
+                writeAsItIs();
+            }
+        });
     }
-    try {
-        if (exists) {
-            writeExisting(path, status, data, readers);
-        } else {
-            replaceFile(path, data, readers, ANY_MODE);
+    void takeBack() {
+        orRefuse([this] {
+            if (file_) {
+                file_->takeBack();
+            }
+        });
+    }
+
+private:
+    std::string name() const { return "'" + path_ + "'"; }
+
+    template <class Step>
+    void orRefuse(const Step& step) const {
+        try {
+            step();
+        } catch (const std::system_error& error) {
+            refuse(name(), systemText(error.code().value()));
         }
-    } catch (const std::system_error& error) {
-        refuse("'" + path + "'", systemText(error.code().value()));
     }
+
+    void prepareExisting(const struct stat& status, Readers readers) {
+        if (S_ISDIR(status.st_mode)) {
+            refuse(name(), "it is a directory");
+        }
+        isStandardOutput_ = isStandardOutput(status);
+        if (!isStandardOutput_ && S_ISREG(status.st_mode)) {
+            // The folder alone decides on a renaming, which would let it pass over a file that is protected.
+            if (faccessat(AT_FDCWD, path_.c_str(), W_OK, AT_EACCESS) != 0) {
+                refuse(name(), systemText(errno));
+            }
+            prepareFile(readers, status.st_mode);
+        }
+    }
+
+    // `existing` is the mode of the file that is replaced: nobody gets to read the new one who could not read
+    // it.
+    void prepareFile(Readers readers, mode_t existing) {
+        file_.emplace(behindLinks(path_));
+        file_->write(data_);
+        file_->setMode(modeFor(readers) & existing);
+    }
+
+    void writeAsItIs() const {
+        if (isStandardOutput_) {
+            writeStandardOutput(data_.data(), data_.size());
+        } else {
+            writeDirectly(path_, data_);
+        }
+    }
+
+    const std::string& path_;
+    const bytes& data_;
+    bool isStandardOutput_ = false;
+    std::optional<TemporaryFile> file_;
+};
+
+// Whether two paths lead to one file, which may not be there yet.
+bool isOneFile(const std::string& a, const std::string& b) {
+    const std::optional<FileId> fileA = fileOf(a);
+    const std::optional<FileId> fileB = fileOf(b);
+    if (fileA || fileB) {
+        return fileA && fileB && *fileA == *fileB;
+    }
+    const std::filesystem::path pathA(a);
+    const std::filesystem::path pathB(b);
+    const auto folderOf = [](const std::filesystem::path& path) {
+        return fileOf(path.has_parent_path() ? path.parent_path().string() : std::string("."));
+    };
+    const std::optional<FileId> folder = folderOf(pathA);
+    return pathA.filename() == pathB.filename() && folder && folder == folderOf(pathB);
 }
 
 bool leadsToTerminal(const std::string& path) {
@@ -128,7 +198,22 @@ void writeOutput(const std::optional<std::string>& path, const bytes& data, Read
     if (!path || *path == STANDARD_STREAM) {
         writeStandardOutput(data.data(), data.size());
     } else {
-        writeFile(*path, data, readers);
+        PendingFile(*path, data, readers).complete();
+    }
+}
+
+void writeBothFiles(const FileContent& first, const FileContent& second, Readers readers) {
+    if (isOneFile(first.path, second.path)) {
+        throw ToolError(ExitStatus::USAGE, "'" + first.path + "' and '" + second.path + "' are one file");
+    }
+    PendingFile firstFile(first.path, first.data, readers);
+    PendingFile secondFile(second.path, second.data, readers);
+    firstFile.completeForNow();
+    try {
+        secondFile.complete();
+    } catch (...) {
+        firstFile.takeBack();
+        throw;
     }
 }
 

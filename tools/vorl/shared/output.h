@@ -24,6 +24,16 @@ enum class Readers {
 /// written to as it is. Throws ToolError.
 void writeOutput(const std::optional<std::string>& path, const bytes& data, Readers readers);
 
+/// What one of two files is to hold.
+struct FileContent {
+    const std::string& path;
+    const bytes& data;
+};
+
+/// Writes two results that belong together to their files, as writeOutput() does: both, or neither where one
+/// of them cannot be written. Throws ToolError.
+void writeBothFiles(const FileContent& first, const FileContent& second, Readers readers);
+
 /// Throws ToolError where not everything could be written.
 void writeStandardOutput(const std::string& text);
 

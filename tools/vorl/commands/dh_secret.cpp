@@ -1,0 +1,99 @@
+#include "commands/commands.h"
+#include "shared/Descriptor.h"
+#include "shared/SecretBytes.h"
+#include "shared/ToolError.h"
+#include "shared/dh_files.h"
+#include "shared/input.h"
+#include "shared/output.h"
+#include "shared/start_up.h"
+#include "vorl/VORLException.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+#include <unistd.h>
+
+namespace vorl::tool {
+
+namespace {
+
+struct SecretOptions {
+    std::string state;
+    std::string peer;
+    std::string output;
+};
+
+std::optional<FileId> inputFile(const std::string& path) {
+    return path == STANDARD_STREAM ? fileOf(STDIN_FILENO) : fileOf(path);
+}
+
+void refuseOneInputForBoth(const SecretOptions& options) {
+    if (!isPeerFile(options.peer)) {
+        return;
+    }
+    const std::optional<FileId> state = inputFile(options.state);
+    if (state && state == inputFile(options.peer)) {
+        throw ToolError(ExitStatus::USAGE,
+                        inputName(options.peer) + " cannot be both the key pair and the peer's text");
+    }
+}
+
+bool isZero(const bytes& secret) {
+    const bytes zeros(secret.size());
+    return CRYPTO_memcmp(secret.data(), zeros.data(), zeros.size()) == 0;
+}
+
+SecretBytes agree(const DiffieHellman& pair, const bytes& peerText) {
+    try {
+        return SecretBytes(pair.computeSharedSecret(peerText));
+    } catch (const VORLException& fault) {
+        throw ToolError(ExitStatus::BAD_INPUT,
+                        std::string("the peer's text is no public key: ") + fault.what(),
+                        "'vorl inspect' shows what it is made of");
+    }
+}
+
+ExitStatus makeSecret(const SecretOptions& options) {
+    startLibrary();
+    refuseOneInputForBoth(options);
+    refuseBinaryOnTerminal(options.output);
+    const KeyPair keys = loadKeyPair(options.state);
+    if (!isAgreementSize(keys.primeBits)) {
+        throw ToolError(ExitStatus::BAD_INPUT,
+                        inputName(options.state) + ": " + wrongSizeText(keys.primeBits));
+    }
+    const SecretBytes secret = agree(*keys.pair, loadPeerText(options.peer));
+    // The library hands out zeros where OpenSSL computes nothing. Whoever sent such a number would know the
+    // keys that come of them, and so would everybody else.
+    if (isZero(secret.get())) {
+        throw ToolError(ExitStatus::CANNOT_OPEN,
+                        "OpenSSL refuses the peer's number, so that there is no secret",
+                        "no honest peer sends such a number: it may have been exchanged on its way");
+    }
+    writeOutput(options.output, secret.get(), Readers::OWNER);
+    return ExitStatus::SUCCESS;
+}
+
+}  // namespace
+
+Run declareDhSecret(CLI::App& command) {
+    const auto options = std::make_shared<SecretOptions>();
+    command
+        .add_option("STATE", options->state, "Key pair, as 'vorl dh new' writes it; '-' is standard input")
+        ->required()
+        ->type_name("");
+    command
+        .add_option("PEERTEXT", options->peer,
+                    "What the peer's 'vorl dh pub' wrote: the text itself, or a file; '-' is standard input")
+        ->required()
+        ->type_name("");
+    command
+        .add_option("-o,--output", options->output,
+                    "File to write the shared secret to; '-' is standard output")
+        ->required()
+        ->type_name("SECRET");
+    return [options] { return makeSecret(*options); };
+}
+
+}  // namespace vorl::tool

@@ -46,8 +46,9 @@ std::shared_ptr<DH> opensslGroup(Source source, const bytes& content) {
         return safe_ptr(d2i_DHxparams(nullptr, &at, size));
     }
     const std::shared_ptr<BIO> bio = safe_ptr(BIO_new_mem_buf(content.data(), static_cast<int>(size)));
-    char noPassword[] = "";
-    return safe_ptr(PEM_read_bio_DHparams(bio.get(), nullptr, nullptr, noPassword));
+    // Without a callback OpenSSL would read standard input.
+    pem_password_cb* const refuse = [](char*, int, int, void*) { return -1; };
+    return safe_ptr(PEM_read_bio_DHparams(bio.get(), nullptr, refuse, nullptr));
 }
 
 std::optional<Numbers> opensslNumbers(const DH* dh) {

@@ -34,8 +34,8 @@ public:
     DiffieHellmanParams& operator=(const DiffieHellmanParams& other);
     ~DiffieHellmanParams();
 
-    /// The parameters of the next PEM block in `bio`. A block that is encrypted with a password is refused;
-    /// the password is never asked for. Throws VORLException for a null BIO and where there is no such block.
+    /// The parameters of the next PEM block in `bio`. A block that is encrypted is refused: a password is
+    /// neither asked for nor tried. Throws VORLException for a null BIO and where there is no such block.
     static std::shared_ptr<DH> loadFromPEM(const std::shared_ptr<BIO>& bio);
     /// From a PEM file. Throws OpenSSLException "BIO_new_file()" where it cannot be opened, and as
     /// loadFromPEM().

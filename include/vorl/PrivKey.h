@@ -20,7 +20,7 @@ public:
 
     /// The next PEM block of a private key.
     /// Throw OpenSSLException where there is none, which is also how a file that cannot be opened
-    /// shows, and where it is encrypted with a password, which is never asked for. Throw VORLException for a
+    /// shows, and where it is encrypted: a password is neither asked for nor tried. Throw VORLException for a
     /// key that is not RSA.
     static std::shared_ptr<PrivKey> loadFromPEMBIO(const std::shared_ptr<BIO>& bio);
     static std::shared_ptr<PrivKey> loadFromPEMFile(const std::string& path);

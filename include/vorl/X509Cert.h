@@ -23,7 +23,7 @@ public:
     explicit X509Cert(std::shared_ptr<X509> x509);
 
     /// The next PEM block of a certificate. Throw OpenSSLException where there is none, where it is encrypted
-    /// with a password, which is never asked for, and where a file cannot be opened.
+    /// (a password is neither asked for nor tried), and where a file cannot be opened.
     static std::shared_ptr<X509Cert> loadFromPEMBIO(const std::shared_ptr<BIO>& bio);
     static std::shared_ptr<X509Cert> loadFromPEMFile(const std::string& path);
     static std::shared_ptr<X509Cert> loadFromPEMStr(const std::string& pem);

@@ -46,9 +46,8 @@ bool copyContent(BIO* bio, std::string& text) {
     return true;
 }
 
-char* noPassword() {
-    static char none[] = "";
-    return none;
+int refusePassword(char* /*buffer*/, int /*size*/, int /*forWriting*/, void* /*userData*/) {
+    return -1;
 }
 
 }  // namespace vorl

@@ -23,10 +23,11 @@ bool readPending(BIO* bio, std::string& text);
 /// Copies what `bio` holds, as BIO_get_mem_data() tells it. False where that is nothing.
 bool copyContent(BIO* bio, std::string& text);
 
-/// The user data with which PEM readers fail at once on a text that is encrypted with a password: an empty
-/// one. With neither a callback nor user data OpenSSL would ask for it at the terminal, or read standard
-/// input.
-char* noPassword();
+/// The password callback for PEM readers: it refuses, so that a text that is encrypted fails at once. Without
+/// a callback OpenSSL would ask for a password at the terminal, or read standard input. An empty password
+/// instead would be tried: whoever wrote the text also says how many rounds the key takes to derive, and that
+/// can be hours.
+int refusePassword(char* buffer, int size, int forWriting, void* userData);
 
 }  // namespace vorl
 

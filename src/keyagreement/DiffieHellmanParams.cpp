@@ -113,7 +113,7 @@ std::shared_ptr<DH> DiffieHellmanParams::loadFromPEM(const std::shared_ptr<BIO>&
         throw VORLException("BIO is NULL");
     }
     const ErrorQueueMark mark;
-    std::shared_ptr<DH> dh = safe_ptr(PEM_read_bio_DHparams(bio.get(), nullptr, nullptr, noPassword()));
+    std::shared_ptr<DH> dh = safe_ptr(PEM_read_bio_DHparams(bio.get(), nullptr, refusePassword, nullptr));
     if (!dh) {
         throw VORLException("Unable to read DHParams from BIO");
     }

@@ -23,7 +23,7 @@ PrivKey::~PrivKey() = default;
 
 std::shared_ptr<PrivKey> PrivKey::loadFromPEMBIO(const std::shared_ptr<BIO>& bio) {
     const std::shared_ptr<EVP_PKEY> pkey =
-        safe_ptr(bio ? PEM_read_bio_PrivateKey(bio.get(), nullptr, nullptr, noPassword()) : nullptr);
+        safe_ptr(bio ? PEM_read_bio_PrivateKey(bio.get(), nullptr, refusePassword, nullptr) : nullptr);
     if (!pkey) {
         // The message names the public key on purpose: it is the one that logs have always been searched for.
         OpenSSLException::throw_message("PEM_read_bio_PUBKEY() in PubKey::loadFromPEMBIO()", "PrivKey",

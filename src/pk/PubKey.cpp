@@ -23,7 +23,7 @@ PubKey::~PubKey() = default;
 
 std::shared_ptr<PubKey> PubKey::loadFromPEMBIO(const std::shared_ptr<BIO>& bio) {
     const std::shared_ptr<EVP_PKEY> pkey =
-        safe_ptr(bio ? PEM_read_bio_PUBKEY(bio.get(), nullptr, nullptr, noPassword()) : nullptr);
+        safe_ptr(bio ? PEM_read_bio_PUBKEY(bio.get(), nullptr, refusePassword, nullptr) : nullptr);
     if (!pkey) {
         OpenSSLException::throw_message("PEM_read_bio_PUBKEY() in PubKey::loadFromPEMBIO()", "PubKey",
                                         __LINE__, __func__);

@@ -66,7 +66,7 @@ X509Cert::X509Cert(std::shared_ptr<X509> x509) : x509_(std::move(x509)) {}
 
 std::shared_ptr<X509Cert> X509Cert::loadFromPEMBIO(const std::shared_ptr<BIO>& bio) {
     std::shared_ptr<X509> x509 =
-        safe_ptr(bio ? PEM_read_bio_X509(bio.get(), nullptr, nullptr, noPassword()) : nullptr);
+        safe_ptr(bio ? PEM_read_bio_X509(bio.get(), nullptr, refusePassword, nullptr) : nullptr);
     if (!x509) {
         fail("PEM_read_bio_X509()", __LINE__, __func__);
     }

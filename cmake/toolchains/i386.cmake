@@ -1,0 +1,11 @@
+# 32-bit x86, whose programs an x86-64 machine runs itself.
+
+set(CMAKE_SYSTEM_PROCESSOR i686)
+set(VORL_CROSS_GNU i686-linux-gnu)
+set(VORL_CROSS_MULTIARCH i386-linux-gnu)
+set(VORL_CROSS_DEBIAN i386)
+include("${CMAKE_CURRENT_LIST_DIR}/debian-cross.cmake")
+
+# The system has no loader and no C library of this architecture; those of the cross compiler serve.
+set(CMAKE_EXE_LINKER_FLAGS_INIT
+    "-Wl,--dynamic-linker=${vorl_target_libraries}/ld-linux.so.2 -Wl,-rpath,${vorl_target_libraries}:${vorl_sysroot_libraries}")

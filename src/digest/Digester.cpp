@@ -16,6 +16,10 @@ Digester::Digester(std::shared_ptr<const DigestAlgo> algo) : algo_(std::move(alg
 Digester::~Digester() = default;
 
 void Digester::init() {
+    if (ctx_ == nullptr) {
+        // There was no memory for it before.
+        ctx_.reset(EVP_MD_CTX_new());
+    }
     started_ = ctx_ != nullptr && EVP_DigestInit_ex(ctx_.get(), fetchedMd(algo_->md), nullptr) != 0;
     if (!started_) {
         OpenSSLException::throw_message("EVP_DigestInit_ex()", "Digester", __LINE__, __func__);

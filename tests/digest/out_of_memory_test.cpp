@@ -73,6 +73,15 @@ TEST_P(DigestsWithoutMemory, ADigesterRemembersAFailedInitUntilTheNext) {
     EXPECT_EQ(digestWith(digester), expectedDigest);
 }
 
+TEST_P(DigestsWithoutMemory, ADigesterThatWasMadeWithoutMemoryBeginsWhenThereIsSome) {
+    std::unique_ptr<Digester> digester;
+    {
+        const OpenSSLOutOfMemory none;
+        digester = std::make_unique<Digester>(GetParam().factory());
+    }
+    EXPECT_EQ(digestWith(*digester), expectedDigest);
+}
+
 // Whether OpenSSL needs memory for a restart is its own affair.
 TEST_P(DigestsWithoutMemory, AUsedDigesterIsRestartedOrReportsIt) {
     Digester digester(GetParam().factory());

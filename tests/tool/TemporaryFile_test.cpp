@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iterator>
 #include <string>
 
@@ -23,7 +24,7 @@ void raiseAsByDefault(int signal) {
 }
 
 // An empty folder, removed with all that is in it.
-class TemporaryFileSignals : public testing::TestWithParam<int> {
+class TemporaryFileTest : public testing::Test {
 protected:
     void SetUp() override {
         std::string pattern = testing::TempDir() + "vorl-test-XXXXXX";
@@ -37,9 +38,54 @@ protected:
         return std::distance(std::filesystem::directory_iterator(folder_),
                              std::filesystem::directory_iterator());
     }
+    std::string content() const {
+        std::ifstream in(target(), std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    }
 
     std::filesystem::path folder_;
 };
+
+TEST_F(TemporaryFileTest, TakesBackWhatReplacedAnotherFile) {
+    std::ofstream(target()) << "before";
+    std::filesystem::permissions(target(), std::filesystem::perms(0640));
+    {
+        TemporaryFile file(target());
+        file.write(vorl::bytes{'n', 'e', 'w'});
+        file.replaceTargetForNow();
+        EXPECT_EQ(content(), "new");
+        file.takeBack();
+        EXPECT_EQ(content(), "before");
+    }
+    EXPECT_EQ(content(), "before");
+    EXPECT_EQ(std::filesystem::status(target()).permissions(), std::filesystem::perms(0640));
+    EXPECT_EQ(filesThere(), 1);
+}
+
+TEST_F(TemporaryFileTest, TakesBackWhatReplacedNothing) {
+    {
+        TemporaryFile file(target());
+        file.write(vorl::bytes{'n', 'e', 'w'});
+        file.replaceTargetForNow();
+        EXPECT_EQ(content(), "new");
+        file.takeBack();
+    }
+    EXPECT_EQ(filesThere(), 0);
+}
+
+TEST_F(TemporaryFileTest, StaysInPlaceUnlessItIsTakenBack) {
+    std::ofstream(target()) << "before";
+    {
+        TemporaryFile file(target());
+        file.write(vorl::bytes{'n', 'e', 'w'});
+        file.replaceTargetForNow();
+        EXPECT_EQ(filesThere(), 2);
+    }
+    EXPECT_EQ(content(), "new");
+    EXPECT_EQ(filesThere(), 1);
+}
+
+class TemporaryFileSignals : public TemporaryFileTest, public testing::WithParamInterface<int> {};
 
 TEST_P(TemporaryFileSignals, EndTheProcessOnlyWhenNothingIsLeftBehind) {
     EXPECT_EXIT(

@@ -49,6 +49,8 @@ private:
     void feed(const void* data, std::size_t size);
 
     std::shared_ptr<const DigestAlgo> algo_;
+    // What OpenSSL is given for the digest.
+    const EVP_MD* const md_;
     std::unique_ptr<EVP_MD_CTX, FreeContext> ctx_;
     // OpenSSL 1.1.1 does not survive a context that was never started.
     bool started_ = false;

@@ -11,7 +11,8 @@
 
 namespace vorl {
 
-Digester::Digester(std::shared_ptr<const DigestAlgo> algo) : algo_(std::move(algo)), ctx_(EVP_MD_CTX_new()) {}
+Digester::Digester(std::shared_ptr<const DigestAlgo> algo)
+    : algo_(std::move(algo)), md_(fetchedMd(algo_->md)), ctx_(EVP_MD_CTX_new()) {}
 
 Digester::~Digester() = default;
 
@@ -20,7 +21,7 @@ void Digester::init() {
         // There was no memory for it before.
         ctx_.reset(EVP_MD_CTX_new());
     }
-    started_ = ctx_ != nullptr && EVP_DigestInit_ex(ctx_.get(), fetchedMd(algo_->md), nullptr) != 0;
+    started_ = ctx_ != nullptr && EVP_DigestInit_ex(ctx_.get(), md_, nullptr) != 0;
     if (!started_) {
         OpenSSLException::throw_message("EVP_DigestInit_ex()", "Digester", __LINE__, __func__);
     }

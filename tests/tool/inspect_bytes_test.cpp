@@ -24,6 +24,7 @@ using vorl::test::operator+;
 using vorl::tool::Field;
 using vorl::tool::inspectBytes;
 using vorl::tool::Report;
+using vorl::tool::Secrets;
 
 // An envelope of each level around a body of `bodyBytes`, straight from the format.
 std::vector<bytes> envelopes(std::size_t bodyBytes) {
@@ -40,11 +41,16 @@ std::uint64_t coveredBytes(const Report& report) {
     return end;
 }
 
+// A signature record with a value of `valueBytes`, straight from the format.
+bytes signatureRecord(std::size_t valueBytes) {
+    return fromHex("01") + block(octets(valueBytes));
+}
+
 class InspectBytes : public vorl::test::StartedLibrary {};
 
 TEST_F(InspectBytes, AWellFormedEnvelopeHasNoProblem) {
     for (const std::size_t bodyBytes :
-         std::initializer_list<std::size_t>{16, 112, 128, 16368, 16400, 65520, 65552}) {
+         std::initializer_list<std::size_t>{16, 112, 144, 16368, 16400, 65520, 65552}) {
         for (const bytes& envelope : envelopes(bodyBytes)) {
             const Report report = inspectBytes(envelope);
             EXPECT_EQ(report.kind, "envelope");
@@ -52,6 +58,54 @@ TEST_F(InspectBytes, AWellFormedEnvelopeHasNoProblem) {
             EXPECT_TRUE(report.agreesWithLibrary);
             EXPECT_EQ(report.libraryVerdict, "");
             EXPECT_EQ(coveredBytes(report), envelope.size());
+        }
+    }
+}
+
+TEST_F(InspectBytes, ASignatureOfAUsualSizeIsTakenForOneUnlessAnEnvelopeIsMeant) {
+    for (const std::size_t valueBytes : std::initializer_list<std::size_t>{128, 256, 384, 512}) {
+        const bytes record = signatureRecord(valueBytes);
+        for (const char* const kind : {"signature", "envelope"}) {
+            const Report report = inspectBytes(record, Secrets::HIDDEN, kind);
+            EXPECT_EQ(report.kind, kind);
+            EXPECT_FALSE(report.problem);
+            EXPECT_TRUE(report.agreesWithLibrary);
+            EXPECT_EQ(coveredBytes(report), record.size());
+        }
+        EXPECT_EQ(inspectBytes(record).kind, "signature");
+    }
+}
+
+TEST_F(InspectBytes, ASignatureOfAnotherSizeIsTakenForOneOnlyIfItIsMeant) {
+    for (const std::size_t valueBytes :
+         std::initializer_list<std::size_t>{1, 112, 144, 240, 272, 16400, 65537}) {
+        const bytes record = signatureRecord(valueBytes);
+        EXPECT_NE(inspectBytes(record).kind, "signature") << valueBytes;
+        const Report report = inspectBytes(record, Secrets::HIDDEN, "signature");
+        EXPECT_EQ(report.kind, "signature");
+        EXPECT_FALSE(report.problem) << valueBytes;
+        EXPECT_TRUE(report.agreesWithLibrary) << valueBytes;
+        EXPECT_EQ(coveredBytes(report), record.size());
+    }
+}
+
+TEST_F(InspectBytes, EveryTruncationOfASignatureIsMalformed) {
+    const bytes record = signatureRecord(128);
+    for (std::size_t size = 1; size < record.size(); ++size) {
+        const Report report = inspectBytes(slice(record, 0, size), Secrets::HIDDEN, "signature");
+        EXPECT_TRUE(report.problem) << size;
+        EXPECT_TRUE(report.agreesWithLibrary) << size;
+        EXPECT_EQ(coveredBytes(report), size);
+    }
+}
+
+TEST_F(InspectBytes, WhatIsNoCertificateAndNoKeyIsMalformedWhereOneIsMeant) {
+    for (const char* const kind : {"certificate", "public-key", "private-key"}) {
+        for (const bytes& input : {fromHex("00"), fromHex("3000"), fromHex("3080"), fromHex("30820102")}) {
+            const Report report = inspectBytes(input, Secrets::HIDDEN, kind);
+            EXPECT_EQ(report.kind, kind);
+            EXPECT_TRUE(report.problem);
+            EXPECT_TRUE(report.agreesWithLibrary);
         }
     }
 }

@@ -4,13 +4,9 @@
 #include "shared/SecretBytes.h"
 #include "shared/ToolError.h"
 #include "shared/input.h"
-#include "shared/messages.h"
-#include "shared/output.h"
-#include "shared/report_json.h"
-#include "shared/report_text.h"
+#include "shared/show_report.h"
 #include "shared/show_secrets.h"
 #include "shared/start_up.h"
-#include "shared/terminal.h"
 
 #include <CLI/CLI.hpp>
 
@@ -26,12 +22,6 @@ struct InspectOptions {
     Secrets secrets = Secrets::HIDDEN;
     bool isJson = false;
 };
-
-std::string problemText(const Report& report, const std::string& input) {
-    const std::string place =
-        (report.isBase64 && report.recordBytes == 0 ? ", at character " : ", at offset ");
-    return inputName(input) + place + std::to_string(report.problem->offset) + ": " + report.problem->text;
-}
 
 std::string kindNames() {
     std::string names;
@@ -49,16 +39,7 @@ ExitStatus inspect(const InspectOptions& options) {
         throw ToolError(ExitStatus::BAD_INPUT, inputName(options.input) + " is PEM text of another kind",
                         "PEM text says itself what it is: leave out --as");
     }
-    writeStandardOutput(options.isJson ? reportJson(report) : reportText(report, Painter()));
-    if (!report.agreesWithLibrary) {
-        throw ToolError(ExitStatus::FAULT, "the tool and the library disagree about this input",
-                        "please report this, with the input if it is no secret");
-    }
-    if (report.problem) {
-        sayError(problemText(report, options.input));
-        return ExitStatus::BAD_INPUT;
-    }
-    return ExitStatus::SUCCESS;
+    return showReport(report, options.input, options.isJson);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "inspect/FieldReader.h"
 #include "inspect/levels.h"
 #include "inspect/numbers.h"
+#include "inspect/signature.h"
 #include "inspect/structure.h"
 #include "vorl/CipherSpec.h"
 #include "vorl/Util.h"
@@ -85,9 +86,7 @@ void readTrailer(FieldReader& reader) {
     const std::uint64_t end = reader.offset();
     reader.readRest("trailing", "belongs to nothing");
     if (reader.offset() > end) {
-        reader.setProblem(end,
-                          "the envelope ends here, but " + std::to_string(reader.offset() - end) +
-                              (reader.offset() - end == 1 ? " more byte follows" : " more bytes follow"));
+        reader.setProblem(end, "the envelope ends here, but " + moreText(reader.offset() - end));
     }
 }
 
@@ -138,6 +137,11 @@ void inspectEnvelope(const bytes& envelope, Report& report) {
         checkBlocks(*body, level->spec(), report);
     }
     tellUnknown(level->spec(), report);
+    if (!report.problem && canBeReadAsSignature(envelope)) {
+        report.unknown.insert(report.unknown.begin(),
+                              "whether it is an envelope at all: a signature record can look the same, which "
+                              "--as signature shows");
+    }
 }
 
 }  // namespace vorl::tool

@@ -1,12 +1,15 @@
 #include "inspect/inspect_bytes.h"
 
 #include "inspect/base64_text.h"
+#include "inspect/certificate.h"
 #include "inspect/dh_group.h"
 #include "inspect/dh_numbers.h"
 #include "inspect/dh_record.h"
 #include "inspect/envelope.h"
+#include "inspect/key.h"
 #include "inspect/number_blocks.h"
 #include "inspect/pem_text.h"
+#include "inspect/signature.h"
 #include "inspect/structure.h"
 #include "shared/SecretBytes.h"
 #include "vorl/VORLLib.h"
@@ -66,6 +69,22 @@ void takePair(const bytes& record, const Inspection& to) {
     inspectDhState(record, to.report, to.secrets);
 }
 
+void takeCertificate(const bytes& record, const Inspection& to) {
+    inspectCertificateInDer(record, to.report);
+}
+
+void takePublicKey(const bytes& record, const Inspection& to) {
+    inspectPublicKeyInDer(record, to.report);
+}
+
+void takePrivateKey(const bytes& record, const Inspection& to) {
+    inspectPrivateKeyInDer(record, to.report, to.secrets);
+}
+
+void takeSignature(const bytes& record, const Inspection& to) {
+    inspectSignature(record, to.report);
+}
+
 struct RecordForm {
     const char* kind;
     bool (*fits)(const bytes& record);
@@ -73,12 +92,21 @@ struct RecordForm {
 };
 
 // The first that fits is what a record is taken for: forms that show themselves stand before those that any
-// bytes could be, which a bare key is by its size alone.
+// bytes could be, which a bare key is by its size alone. A signature of a usual size stands before the
+// envelope of the level test that could have it, since such envelopes are for tests.
 const RecordForm RECORD_FORMS[] = {
-    {"dh-record", beginsAsDhRecord, takeDhRecord}, {"dh-params", isGroupInDer, takeDerGroup},
-    {"envelope", isWholeEnvelope, takeEnvelope},   {"envelope", beginsAsFullEnvelope, takeEnvelope},
-    {"dh-record", isOfBareKeySize, takeDhRecord},  {"dh-params", isEncodedGroup, takeGroup},
-    {"dh-state", isEncodedPair, takePair},         {"envelope", isAnything, takeEnvelope},
+    {"dh-record", beginsAsDhRecord, takeDhRecord},
+    {"dh-params", isGroupInDer, takeDerGroup},
+    {"certificate", isCertificateInDer, takeCertificate},
+    {"public-key", isPublicKeyInDer, takePublicKey},
+    {"private-key", isPrivateKeyInDer, takePrivateKey},
+    {"signature", isSignatureOfUsualSize, takeSignature},
+    {"envelope", isWholeEnvelope, takeEnvelope},
+    {"envelope", beginsAsFullEnvelope, takeEnvelope},
+    {"dh-record", isOfBareKeySize, takeDhRecord},
+    {"dh-params", isEncodedGroup, takeGroup},
+    {"dh-state", isEncodedPair, takePair},
+    {"envelope", isAnything, takeEnvelope},
 };
 
 // Of the forms of one kind the last one takes what none fits, too.
@@ -96,6 +124,7 @@ const RecordForm& formOf(const bytes& record, const std::string& kind) {
 }
 
 struct PemForm {
+    const char* kind;
     bool (*fits)(const std::string& label);
     void (*take)(const bytes& text, const Inspection& to);
 };
@@ -104,17 +133,35 @@ void takePemGroup(const bytes& text, const Inspection& to) {
     inspectGroupInPem(text, to.report);
 }
 
+void takePemCertificate(const bytes& text, const Inspection& to) {
+    inspectCertificateInPem(text, to.report);
+}
+
+void takePemPublicKey(const bytes& text, const Inspection& to) {
+    inspectPublicKeyInPem(text, to.report);
+}
+
+void takePemPrivateKey(const bytes& text, const Inspection& to) {
+    inspectPrivateKeyInPem(text, to.report, to.secrets);
+}
+
 const PemForm PEM_FORMS[] = {
-    {isGroupLabel, takePemGroup},
+    {"dh-params", isGroupLabel, takePemGroup},
+    {"certificate", isCertificateLabel, takePemCertificate},
+    {"public-key", isPublicKeyLabel, takePemPublicKey},
+    {"private-key", isPrivateKeyLabel, takePemPrivateKey},
 };
 
-// The first block of a kind that is known; texts often hold others around it.
-void inspectPem(const bytes& text, const std::vector<PemBlock>& blocks, const Inspection& to) {
+// The first block of a kind that is known, or of the one that is asked for; texts often hold others around
+// it.
+void inspectPem(const bytes& text, const std::vector<PemBlock>& blocks, const std::string& kind,
+                const Inspection& to) {
     to.report.isPem = true;
     to.report.recordBytes = text.size();
     for (const PemBlock& block : blocks) {
-        const auto form = std::find_if(std::begin(PEM_FORMS), std::end(PEM_FORMS),
-                                       [&block](const PemForm& each) { return each.fits(block.label); });
+        const auto form = std::find_if(std::begin(PEM_FORMS), std::end(PEM_FORMS), [&](const PemForm& each) {
+            return each.fits(block.label) && (kind.empty() || kind == each.kind);
+        });
         if (form != std::end(PEM_FORMS)) {
             form->take(text, to);
             return;
@@ -146,7 +193,7 @@ Report inspectBytes(const bytes& input, Secrets secrets, const std::string& kind
     }
     const std::vector<PemBlock> blocks = pemBlocksIn(input);
     if (!blocks.empty()) {
-        inspectPem(input, blocks, {report, secrets});
+        inspectPem(input, blocks, kind, {report, secrets});
         return report;
     }
     DecodedText text = decodeBase64Text(input);

@@ -11,8 +11,8 @@ std::vector<std::string> recordKinds();
 
 /// Takes an input apart, PEM text, Base64 text or raw bytes, as far as it can be read.
 ///
-/// `kind` says what a record is that is not PEM text; it is one of recordKinds(), or empty to have it told by
-/// what the record looks like.
+/// `kind` says what a record is, or which block of PEM text is meant; it is one of recordKinds(), or empty to
+/// have it told by what the record looks like.
 /// Nothing in the input makes it throw: what is wrong with it stands in the report. The library has to be
 /// initialised, with every level allowed, as VORLLib::init() leaves it; otherwise VORLException is thrown.
 Report inspectBytes(const bytes& input, Secrets secrets = Secrets::HIDDEN, const std::string& kind = "");

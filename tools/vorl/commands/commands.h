@@ -27,6 +27,10 @@ Run declareDhNew(CLI::App& command);
 Run declareDhPub(CLI::App& command);
 Run declareDhSecret(CLI::App& command);
 Run declareKeysDerive(CLI::App& command);
+Run declareSign(CLI::App& command);
+Run declareVerify(CLI::App& command);
+Run declareCertShow(CLI::App& command);
+Run declareCertCheck(CLI::App& command);
 Run declareDoctor(CLI::App& command);
 
 /// The first words of commands that have several, such as "dh params" of "dh params new".
@@ -64,6 +68,10 @@ inline constexpr Command COMMANDS[] = {
     {"dh pub", "Write the text to send to the peer", declareDhPub},
     {"dh secret", "Compute the secret that is shared with a peer", declareDhSecret},
     {"keys derive", "Derive the encryption key and the HMAC key of a client", declareKeysDerive},
+    {"sign", "Sign an input with a private key", declareSign},
+    {"verify", "Verify a signature with a public key or a certificate", declareVerify},
+    {"cert show", "Show what a certificate says", declareCertShow},
+    {"cert check", "Judge the time and the key of a certificate", declareCertCheck},
     {"doctor", "Check what the tool depends on", declareDoctor},
 };
 

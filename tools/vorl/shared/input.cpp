@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <limits>
 #include <new>
+#include <optional>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -106,6 +107,20 @@ bytes readUpTo(const std::string& path, std::uint64_t maxBytes) {
     }
 }
 
+// What a path leads to, if that gives its bytes only once.
+std::optional<FileId> streamOf(const std::string& path) {
+    struct stat status {};
+    const int failed = path == STANDARD_STREAM ? fstat(STDIN_FILENO, &status) : stat(path.c_str(), &status);
+    return failed == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode)
+               ? std::optional<FileId>({status.st_dev, status.st_ino})
+               : std::nullopt;
+}
+
+bool areOneStream(const std::string& a, const std::string& b) {
+    const std::optional<FileId> stream = streamOf(a);
+    return (a == STANDARD_STREAM && b == STANDARD_STREAM) || (stream && stream == streamOf(b));
+}
+
 }  // namespace
 
 std::string inputName(const std::string& path) {
@@ -130,6 +145,20 @@ void readInPieces(const std::string& path, const std::function<void(const bytes&
             piece.resize(PIECE_BYTES);
         }
     });
+}
+
+void refuseSharedStreams(const std::vector<NamedInput>& inputs) {
+    for (auto first = inputs.begin(); first != inputs.end(); ++first) {
+        const auto other = std::find_if(first + 1, inputs.end(), [first](const NamedInput& each) {
+            return areOneStream(first->path, each.path);
+        });
+        if (other != inputs.end()) {
+            throw ToolError(
+                ExitStatus::USAGE,
+                inputName(first->path) + " cannot be both the " + first->role + " and the " + other->role,
+                "name a file for one of them");
+        }
+    }
 }
 
 }  // namespace vorl::tool

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace vorl::tool {
 
@@ -23,6 +24,16 @@ bytes readSmallInput(const std::string& path);
 /// Hands a file, or standard input, to `take` piece by piece, so that it may have any size. Throws ToolError
 /// where it cannot be read, and whatever `take` throws.
 void readInPieces(const std::string& path, const std::function<void(const bytes&)>& take);
+
+/// An input of a command, and what it is to it, for example "signature".
+struct NamedInput {
+    std::string role;
+    std::string path;
+};
+
+/// Throws ToolError where two of the inputs are one stream, of which each would take its part. Two of them
+/// may be one file.
+void refuseSharedStreams(const std::vector<NamedInput>& inputs);
 
 }  // namespace vorl::tool
 

@@ -1,0 +1,44 @@
+#include "commands/commands.h"
+#include "inspect/inspect_bytes.h"
+#include "shared/SecretBytes.h"
+#include "shared/input.h"
+#include "shared/show_report.h"
+#include "shared/signature_keys.h"
+#include "shared/start_up.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+namespace vorl::tool {
+
+namespace {
+
+struct ShowOptions {
+    std::string certificate;
+    bool isJson = false;
+};
+
+ExitStatus showCertificate(const ShowOptions& options) {
+    startLibrary();
+    // The private key may stand in the same text.
+    const SecretBytes input(readSmallInput(options.certificate));
+    certificateFrom(input.get(), options.certificate);
+    return showReport(inspectBytes(input.get(), Secrets::HIDDEN, "certificate"), options.certificate,
+                      options.isJson);
+}
+
+}  // namespace
+
+Run declareCertShow(CLI::App& command) {
+    const auto options = std::make_shared<ShowOptions>();
+    command.add_flag("--json", options->isJson, "Write JSON");
+    command
+        .add_option("CERT", options->certificate,
+                    "The certificate, as PEM or Base64 text or DER; '-' is standard input")
+        ->required()
+        ->type_name("");
+    return [options] { return showCertificate(*options); };
+}
+
+}  // namespace vorl::tool

@@ -107,7 +107,7 @@ void refuseUnknownCommand(int argc, const char* const* argv) {
 
 ExitStatus parseAndRun(int argc, const char* const* argv) {
     refuseUnknownCommand(argc, argv);
-    CLI::App app("Protects messages, agrees on keys, and shows what records are made of.", "vorl");
+    CLI::App app("Protects and signs messages, agrees on keys, and shows what records are made of.", "vorl");
     declareVersion(app);
     app.footer(EXIT_STATUSES);
     Run chosen;

@@ -126,6 +126,24 @@ This does not show:
     contains "$output" "subject's common name: service.example"
 }
 
+@test "a period that is none is shown as OpenSSL calls it, and not judged" {
+    rsa_key service
+    certificate service service 20200101000000Z 20301231235959Z
+    openssl x509 -in service.crt -outform DER -out service.der
+    local text="the validity period of the certificate cannot be compared with"
+    LC_ALL=C sed 's/200101000000Z/209901000000Z/' service.der >begin.der
+    LC_ALL=C sed 's/301231235959Z/301299235959Z/' service.der >end.der
+    for form in begin end; do
+        run ! cmp -s service.der $form.der
+        succeeds vorl cert show $form.der
+        contains "$output" ": Bad time value"$'\n'
+        for options in "" "--at 2026-11-21"; do
+            # shellcheck disable=SC2086
+            refuses 3 "$text" "'vorl cert show' shows it" vorl cert check $options $form.der
+        done
+    done
+}
+
 @test "what is no certificate is told" {
     rsa_key service
     certificate service service

@@ -106,6 +106,28 @@ prime 1: sha256:"
     done
 }
 
+@test "a public exponent is decimal up to 32 bits, and hex beyond" {
+    openssl genpkey -quiet -algorithm RSA -pkeyopt rsa_keygen_bits:1024 -pkeyopt rsa_keygen_pubexp:4294967295 \
+        -out small.pem
+    succeeds vorl inspect small.pem
+    contains "$output" $'\n'"public exponent: 4294967295"$'\n'
+    openssl genpkey -quiet -algorithm RSA -pkeyopt rsa_keygen_bits:1024 -pkeyopt rsa_keygen_pubexp:4294967297 \
+        -out large.pem
+    succeeds vorl inspect large.pem
+    contains "$output" $'\n'"public exponent: 0x0100000001"$'\n'
+}
+
+@test "a label that a terminal would not show as it is makes no PEM text" {
+    for label in '\e[31mRED' '\xff' 'A\tB'; do
+        # shellcheck disable=SC2059
+        printf -- "-----BEGIN $label-----\n" >input
+        run --separate-stderr vorl inspect --json input
+        equals "$status" 3
+        contains "$output" '"form": "raw"'
+        [[ "$output$stderr" != *$'\e'* ]]
+    done
+}
+
 @test "a key that cannot be read is malformed" {
     rsa_key service
     head -n 3 service.pub >cut.pub

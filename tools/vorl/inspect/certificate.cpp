@@ -4,6 +4,7 @@
 #include "inspect/base64_text.h"
 #include "inspect/numbers.h"
 #include "inspect/openssl_key.h"
+#include "inspect/pem_content.h"
 #include "inspect/pem_text.h"
 #include "vorl/OpenSSLException.h"
 #include "vorl/Util.h"
@@ -38,7 +39,7 @@ ReadCertificate attempt(const Read& read) {
 }
 
 ReadCertificate certificateInPem(const bytes& text) {
-    return attempt([&text] { return X509Cert::loadFromPEMStr(std::string(text.begin(), text.end())); });
+    return attempt([&text] { return X509Cert::loadFromPEMBIO(bioOver(text)); });
 }
 
 ReadCertificate certificateInDer(const bytes& record) {

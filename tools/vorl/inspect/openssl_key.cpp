@@ -3,6 +3,7 @@
 #include "shared/SecretBytes.h"
 #include "vorl/DigestAlgo.h"
 #include "vorl/Digester.h"
+#include "vorl/OpenSSLException.h"
 #include "vorl/OpenSSLPKey.h"
 #include "vorl/Util.h"
 #include "vorl/VORLException.h"
@@ -66,9 +67,17 @@ SecretBytes bytesOf(const BIGNUM* number) {
     return SecretBytes(std::move(content));
 }
 
-std::string decimal(const BIGNUM* number) {
-    const std::unique_ptr<char, void (*)(void*)> text(BN_bn2dec(number), [](void* p) { OPENSSL_free(p); });
-    return text ? text.get() : "";
+// Decimal, as everybody writes the usual ones. Others are in hex, which does not take long at any size.
+std::string exponentText(const BIGNUM* exponent) {
+    if (BN_num_bits(exponent) > 32) {
+        return "0x" + Util::toHexString(bytesOf(exponent).get(), "");
+    }
+    return std::to_string(BN_get_word(exponent));
+}
+
+// Null for a key that the library does not take.
+std::shared_ptr<RSA> rsaOf(const EVP_PKEY* key) {
+    return libraryVerdictOn(key).empty() ? OpenSSLPKey(key).toRSA() : nullptr;
 }
 
 // Keeps the number 0, or no number at all, out of a report.
@@ -124,30 +133,31 @@ std::string algorithmName(const EVP_PKEY* key) {
 
 std::string libraryVerdictOn(const EVP_PKEY* key) {
     try {
-        OpenSSLPKey::algo(key);
+        const OpenSSLPKey taken(key);
         return "";
     } catch (const VORLException& fault) {
         return fault.what();
+    } catch (const OpenSSLException& fault) {
+        return std::string(fault.what()) + " failed in OpenSSL";
     }
 }
 
 void addKeyFacts(const EVP_PKEY* key, Report& report) {
     report.facts.push_back({"keyAlgorithm", "key algorithm", algorithmName(key)});
     report.facts.push_back({"keyBits", "bits in the key", static_cast<std::uint64_t>(EVP_PKEY_bits(key))});
-    if (libraryVerdictOn(key).empty()) {
+    if (const std::shared_ptr<RSA> rsa = rsaOf(key)) {
         const BIGNUM* exponent = nullptr;
-        const std::shared_ptr<RSA> rsa = OpenSSLPKey(key).toRSA();
         RSA_get0_key(rsa.get(), nullptr, &exponent, nullptr);
-        report.facts.push_back({"publicExponent", "public exponent", decimal(exponent)});
+        report.facts.push_back({"publicExponent", "public exponent", exponentText(exponent)});
     }
     report.facts.push_back({"keySha256", "SHA-256 of the public key", sha256Text(publicDer(key))});
 }
 
 void addPrivateFacts(const EVP_PKEY* key, Secrets secrets, Report& report) {
-    if (!libraryVerdictOn(key).empty()) {
+    const std::shared_ptr<RSA> rsa = rsaOf(key);
+    if (!rsa) {
         return;
     }
-    const std::shared_ptr<RSA> rsa = OpenSSLPKey(key).toRSA();
     addNumber("privateExponent", "private exponent", RSA_get0_d(rsa.get()), secrets, report);
     addNumber("prime1", "prime 1", RSA_get0_p(rsa.get()), secrets, report);
     addNumber("prime2", "prime 2", RSA_get0_q(rsa.get()), secrets, report);

@@ -43,11 +43,7 @@ private:
     bool isWhole_ = false;
 };
 
-PemContent contentAt(const unsigned char* text, std::size_t size) {
-    const std::shared_ptr<BIO> bio =
-        safe_ptr(size <= static_cast<std::size_t>(std::numeric_limits<int>::max())
-                     ? BIO_new_mem_buf(text, static_cast<int>(size))
-                     : nullptr);
+PemContent contentOf(const std::shared_ptr<BIO>& bio) {
     PemContent content;
     if (bio) {
         const RawBlock block(bio.get());
@@ -61,12 +57,17 @@ PemContent contentAt(const unsigned char* text, std::size_t size) {
 
 }  // namespace
 
+std::shared_ptr<BIO> bioOver(const bytes& text, std::size_t offset) {
+    const std::size_t size = text.size() - offset;
+    const bool isCountable = size <= static_cast<std::size_t>(std::numeric_limits<int>::max());
+    return safe_ptr(isCountable ? BIO_new_mem_buf(text.data() + offset, static_cast<int>(size)) : nullptr);
+}
+
 PemContent pemContentIn(const bytes& text, bool (*isWanted)(const std::string& label)) {
     const std::vector<PemBlock> blocks = pemBlocksIn(text);
     const auto wanted = std::find_if(blocks.begin(), blocks.end(),
                                      [isWanted](const PemBlock& block) { return isWanted(block.label); });
-    return wanted != blocks.end() ? contentAt(text.data() + wanted->offset, text.size() - wanted->offset)
-                                  : PemContent();
+    return wanted != blocks.end() ? contentOf(bioOver(text, wanted->offset)) : PemContent();
 }
 
 }  // namespace vorl::tool

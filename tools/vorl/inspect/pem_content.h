@@ -3,6 +3,9 @@
 
 #include "shared/SecretBytes.h"
 
+#include <openssl/ossl_typ.h>
+
+#include <memory>
 #include <string>
 
 namespace vorl::tool {
@@ -13,6 +16,9 @@ struct PemContent {
     SecretBytes data;
     bool isEncrypted = false;
 };
+
+/// A BIO that reads the text, which must outlive it; null where the text is more than OpenSSL counts.
+std::shared_ptr<BIO> bioOver(const bytes& text, std::size_t offset = 0);
 
 /// The content of the first block whose label is wanted. No password is asked for.
 PemContent pemContentIn(const bytes& text, bool (*isWanted)(const std::string& label));

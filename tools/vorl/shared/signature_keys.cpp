@@ -14,9 +14,7 @@
 #include "vorl/PubKey.h"
 #include "vorl/VORLException.h"
 #include "vorl/X509Cert.h"
-#include "vorl/safe_ptr.h"
 
-#include <openssl/bio.h>
 #include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/rsa.h>
@@ -99,11 +97,6 @@ const KeyKind PUBLIC_KEY = {"public key", isPublicKeyLabel, publicKeyInDer, publ
     const OpenSSLKey key = kind.inDer(content.data.get());
     const std::optional<std::string> fault = key ? faultOf(key.get()) : std::nullopt;
     refuse(kind.what, source, fault.value_or("its content is malformed"));
-}
-
-std::shared_ptr<BIO> bioOver(const bytes& text) {
-    // Key files are small: what fits in an int was seen to when they were read.
-    return safe_ptr(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
 }
 
 template <class Key>

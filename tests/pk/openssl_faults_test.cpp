@@ -1,3 +1,4 @@
+#include "error_queue.h"
 #include "messageOf.h"
 #include "octets.h"
 #include "raw_certs.h"
@@ -17,10 +18,12 @@
 #include <gtest/gtest.h>
 #include <openssl/asn1.h>
 #include <openssl/bio.h>
+#include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/rsa.h>
 #include <openssl/x509.h>
 
+#include <cstddef>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -34,6 +37,12 @@ thread_local int faultyResult = 0;
 
 bool isFaulty(const char* call) {
     return std::strcmp(faultyCall, call) == 0;
+}
+
+// What a call leaves in the error queue, whether it succeeds or not.
+int withAnEntry(int result) {
+    ERR_put_error(ERR_LIB_USER, 0, 43, "openssl", 1);
+    return result;
 }
 
 // OpenSSL's own function, of the same type as the one here that takes its place.
@@ -60,7 +69,7 @@ int EVP_PKEY_set1_RSA(EVP_PKEY* pkey, RSA* rsa) {
 }
 
 int EVP_PKEY_cmp(const EVP_PKEY* left, const EVP_PKEY* right) {
-    return isFaulty(__func__) ? faultyResult : own(EVP_PKEY_cmp, __func__)(left, right);
+    return isFaulty(__func__) ? withAnEntry(faultyResult) : own(EVP_PKEY_cmp, __func__)(left, right);
 }
 
 int RSA_print(BIO* out, const RSA* rsa, int indent) {
@@ -114,7 +123,16 @@ const ASN1_TIME* X509_get0_notAfter(const X509* x509) {
 }
 
 int X509_print_ex(BIO* out, X509* x509, unsigned long nameFlags, unsigned long certFlags) {
-    return isFaulty(__func__) ? faultyResult : own(X509_print_ex, __func__)(out, x509, nameFlags, certFlags);
+    if (isFaulty(__func__)) {
+        return faultyResult;
+    }
+    const int result = own(X509_print_ex, __func__)(out, x509, nameFlags, certFlags);
+    return isFaulty("X509_print_ex, in part") ? withAnEntry(result) : result;
+}
+
+int ASN1_TIME_print(BIO* out, const ASN1_TIME* time) {
+    const int result = own(ASN1_TIME_print, __func__)(out, time);
+    return isFaulty(__func__) ? withAnEntry(faultyResult) : result;
 }
 
 }  // extern "C"
@@ -187,6 +205,18 @@ TEST(KeyOfFaultyOpenSSL, IsEqualOnlyWhereOpenSSLAnswersOne) {
     }
     const Faulty fault("EVP_PKEY_cmp", 1);
     EXPECT_TRUE(key == PubKey(otherRsa1024().get()));
+}
+
+TEST(KeyOfFaultyOpenSSL, IsComparedWithoutATraceInTheErrorQueue) {
+    const PubKey key(rsa1024().get());
+    const PubKey other(otherRsa1024().get());
+    takeErrorQueue();
+    const unsigned long left = leaveApplicationError();
+    {
+        const Faulty fault("EVP_PKEY_cmp", -2);
+        EXPECT_FALSE(key == other);
+    }
+    EXPECT_EQ(takeErrorQueue(), ErrorCodes{left});
 }
 
 TEST(SignatureOfFaultyOpenSSL, IsAsLongAsOpenSSLSays) {
@@ -294,6 +324,23 @@ TEST(CertOfFaultyOpenSSL, HasNoTextOfATime) {
 
     EXPECT_EQ(messageWith("BIO_read", 0, [&] { X509Cert::print(time.get()); }),
               "BIO_read() in X509Cert::print(ASN1_TIME*)");
+}
+
+TEST(CertOfFaultyOpenSSL, IsPrintedWithoutATraceInTheErrorQueue) {
+    const X509Cert cert(rawCert(CertForm()));
+    const std::string text = cert.toString();
+    const RawTime time = utcTime("261121120000Z");
+    takeErrorQueue();
+    const unsigned long left = leaveApplicationError();
+    {
+        const Faulty fault("X509_print_ex, in part");
+        EXPECT_EQ(cert.toString(), text);
+    }
+    {
+        const Faulty fault("ASN1_TIME_print");
+        EXPECT_EQ(X509Cert::print(time.get()), "Nov 21 12:00:00 2026 GMT");
+    }
+    EXPECT_EQ(takeErrorQueue(), ErrorCodes{left});
 }
 
 }  // namespace

@@ -110,7 +110,7 @@ std::string OpenSSLPKey::print(const EVP_PKEY* pkey, unsigned int indent) {
     if (!rsa) {
         fail("EVP_PKEY_get1_RSA() in OpenSSLPKey::print(pkey)", __LINE__, __func__);
     }
-    // OpenSSL counts in ints, and does not indent by more than 128 anyway.
+    // OpenSSL counts in ints.
     const unsigned int maxIndent = static_cast<unsigned int>(std::numeric_limits<int>::max());
     const std::shared_ptr<BIO> bio = newMemoryBio();
     if (!bio || RSA_print(bio.get(), rsa.get(), static_cast<int>(std::min(indent, maxIndent))) == 0) {

@@ -1,6 +1,7 @@
 #include "inspect/pem_text.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace vorl::tool {
 
@@ -26,7 +27,7 @@ std::vector<PemBlock> pemBlocksIn(const bytes& text) {
         const auto dashes = std::search(label, end, END_OF_LABEL.begin(), END_OF_LABEL.end());
         if (std::equal(line, label, BEGIN.begin(), BEGIN.end()) && dashes != end &&
             std::all_of(label, dashes, isPrintable)) {
-            blocks.push_back({static_cast<std::uint64_t>(line - text.begin()), std::string(label, dashes)});
+            blocks.push_back({static_cast<std::size_t>(line - text.begin()), std::string(label, dashes)});
         }
         line = end == text.end() ? end : end + 1;
     }

@@ -3,7 +3,7 @@
 
 #include "vorl/bytes.h"
 
-#include <cstdint>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -11,7 +11,7 @@ namespace vorl::tool {
 
 /// Where a PEM block begins, and what it says that it is, for example "DH PARAMETERS".
 struct PemBlock {
-    std::uint64_t offset;
+    std::size_t offset;
     std::string label;
 };
 

@@ -1,6 +1,7 @@
 #include "vorl/HMAC.h"
 
 #include "ScriptedDigest.h"
+#include "TempFolder.h"
 #include "digest_algos.h"
 #include "error_queue.h"
 #include "octets.h"
@@ -15,6 +16,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -128,6 +132,21 @@ TEST_P(HMACWith, TakesAnEmptyKey) {
     code.update(QUESTION);
     EXPECT_EQ(code.final(), first);
     EXPECT_EQ(code.hmac(QUESTION), rawBase64(first));
+}
+
+TEST_P(HMACWith, IsThatOfTheOpensslCommand) {
+    if (std::system("command -v openssl >/dev/null") != 0) {
+        GTEST_SKIP() << "no openssl command";
+    }
+    const TempFolder folder;
+    std::ofstream(folder / "message", std::ios::binary) << toText(octets(1000));
+    const std::string command = "cd '" + folder.path() + "' && openssl dgst -" + GetParam().name +
+                                " -mac HMAC -macopt hexkey:00ff61 -binary message >code";
+    ASSERT_EQ(std::system(command.c_str()), 0) << command;
+
+    std::ifstream file(folder / "code", std::ios::binary);
+    const bytes expected{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    EXPECT_EQ(codeOf(GetParam().factory(), fromHex("00ff61"), octets(1000)), expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, HMACWith, ::testing::ValuesIn(DIGEST_ALGOS),
@@ -330,6 +349,18 @@ TEST_F(HMACTest, HasAnEmptyCodeWhereTheKeyIsRefusedUntilItIsTaken) {
     scripted.initResult = 1;
     code.update(QUESTION);
     EXPECT_EQ(code.final(), bytes());
+    EXPECT_EQ(code.hmac(QUESTION), rawBase64(bytes(16, 0xd1)));
+}
+
+// Only 0 is a refusal.
+TEST_F(HMACTest, TakesAResultOfMinusOneForSuccess) {
+    ScriptedDigest scripted;
+    scripted.initResult = -1;
+    scripted.updateResult = -1;
+    scripted.finalResult = -1;
+    HMAC code(JEFE, scripted.algo());
+    code.update(QUESTION);
+    EXPECT_EQ(code.final(), bytes(16, 0xd1));
     EXPECT_EQ(code.hmac(QUESTION), rawBase64(bytes(16, 0xd1)));
 }
 

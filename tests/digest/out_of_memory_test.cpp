@@ -147,6 +147,25 @@ TEST_P(DigestsWithoutMemory, AnHmacThatCouldNotRestartDoesWhenThereIsSome) {
     EXPECT_EQ(code.hmac(DATA), rawBase64(expectedCode));
 }
 
+// Even with no data in between.
+TEST_P(DigestsWithoutMemory, AnHmacThatCouldNotRestartDoesAtTheNextInit) {
+    HMAC code(KEY, GetParam().factory());
+    code.update(DATA);
+    {
+        const OpenSSLOutOfMemory none;
+        code.init();
+    }
+    EXPECT_EQ(codeWith(code), expectedCode) << "after init";
+
+    code.init();
+    code.update(DATA);
+    {
+        const OpenSSLOutOfMemory none;
+        code.final();
+    }
+    EXPECT_EQ(codeWith(code), expectedCode) << "after final";
+}
+
 INSTANTIATE_TEST_SUITE_P(All, DigestsWithoutMemory, ::testing::ValuesIn(DIGEST_ALGOS),
                          [](const auto& test) { return test.param.name; });
 

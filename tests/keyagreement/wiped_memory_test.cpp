@@ -1,17 +1,85 @@
+#include "DefaultDhMethod.h"
 #include "SecretWatch.h"
+#include "dh_group.h"
+#include "dh_record.h"
+#include "messageOf.h"
 #include "octets.h"
 #include "raw_base64.h"
 #include "raw_digest.h"
 #include "vorl/BigNum.h"
+#include "vorl/Buffer.h"
 #include "vorl/ClientKeys.h"
+#include "vorl/DiffieHellman.h"
+#include "vorl/DiffieHellmanParams.h"
+#include "vorl/Env.h"
+#include "vorl/OpenSSLException.h"
 
+#include <openssl/crypto.h>
 #include <openssl/evp.h>
+#include <sys/resource.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
 #include <string>
 
 // Secrets are gone from memory when it is given back.
+
+namespace {
+
+// What OpenSSL takes and gives back itself, with the size in front. It keeps the words of a number in an
+// order of its own, so that a number to be looked for has equal octets only.
+
+const std::size_t SIZE_BYTES = alignof(std::max_align_t);
+const unsigned char REPEATED = 0xc5;
+const std::size_t REPEATED_ENOUGH = 64;
+
+thread_local int openSslReleases = 0;
+
+void* allocate(std::size_t size, const char* /*file*/, int /*line*/) {
+    auto* const block = size != 0 ? static_cast<unsigned char*>(std::malloc(SIZE_BYTES + size)) : nullptr;
+    if (block == nullptr) {
+        return nullptr;
+    }
+    *static_cast<std::size_t*>(static_cast<void*>(block)) = size;
+    // Nothing of what an earlier block held.
+    std::fill_n(block + SIZE_BYTES, size, static_cast<unsigned char>(0xa5));
+    return block + SIZE_BYTES;
+}
+
+std::size_t sizeOf(void* p) {
+    return *static_cast<std::size_t*>(static_cast<void*>(static_cast<unsigned char*>(p) - SIZE_BYTES));
+}
+
+void release(void* p, const char* /*file*/, int /*line*/) {
+    if (p == nullptr) {
+        return;
+    }
+    auto* const content = static_cast<unsigned char*>(p);
+    auto* const end = content + sizeOf(p);
+    openSslReleases += std::search_n(content, end, REPEATED_ENOUGH, REPEATED) != end ? 1 : 0;
+    std::free(content - SIZE_BYTES);
+}
+
+void* reallocate(void* p, std::size_t size, const char* file, int line) {
+    void* const larger = allocate(size, file, line);
+    if (p != nullptr && (larger != nullptr || size == 0)) {
+        if (larger != nullptr) {
+            std::copy_n(static_cast<unsigned char*>(p), std::min(size, sizeOf(p)),
+                        static_cast<unsigned char*>(larger));
+        }
+        release(p, file, line);
+    }
+    return larger;
+}
+
+// OpenSSL takes other functions only before its first allocation.
+const bool installed = CRYPTO_set_mem_functions(allocate, reallocate, release) == 1;
+
+}  // namespace
 
 namespace vorl::test {
 namespace {
@@ -60,6 +128,94 @@ TEST(BigNumMemory, HoldsNoNumberWhenItIsGivenBack) {
         copy.toFormatString("x", 80, 1);
         copy.toFormatString("x", 80, 1, ":", 4);
     }
+    EXPECT_EQ(watch.releasedWithSecret(), 0);
+}
+
+const bytes REPEATED_SECRET(127, REPEATED);
+
+TEST(OpenSSLReleases, ShowASecretThatIsLeftBehind) {
+    ASSERT_TRUE(installed);
+    openSslReleases = 0;
+    numberFrom(REPEATED_SECRET);
+    EXPECT_EQ(openSslReleases, 1);
+}
+
+TEST(BigNumMemory, HoldsNoNumberWhenOpenSSLGivesItBack) {
+    openSslReleases = 0;
+    {
+        const BigNum number(REPEATED_SECRET);
+        const BigNum ofPointer(REPEATED_SECRET.data(), 127);
+        const BigNum ofOpenSSL(number.getBIGNUM());
+        BigNum assigned(number);
+        assigned = ofPointer;
+        assigned = BigNum(bytes{0x01});
+    }
+    EXPECT_EQ(openSslReleases, 0);
+}
+
+// The buffers are the caller's, who wipes them.
+TEST(DiffieHellmanMemory, HoldsNoPrivateNumberWhenItIsGivenBack) {
+    for (const bytes& privKey : {SECRET, REPEATED_SECRET}) {
+        const std::shared_ptr<DH> dh = rawPair(RFC_2409_GROUP, numberFrom(privKey).get());
+        Buffer state(2000);
+        const SecretWatch watch(privKey);
+        openSslReleases = 0;
+        {
+            const DiffieHellman pair(dh);
+            pair.encode(state);
+            std::unique_ptr<DiffieHellman> back = DiffieHellman::decode(state);
+            EXPECT_EQ(*back, pair);
+            const DiffieHellman copy(*back);
+            *back = copy;
+            const DiffieHellmanParams group(*back);
+            back->getPubKey();
+        }
+        EXPECT_EQ(watch.releasedWithSecret(), 0);
+        EXPECT_EQ(openSslReleases, 0);
+    }
+}
+
+TEST(DiffieHellmanMemory, HoldsNoSecretThatIsNotHandedOut) {
+    const DefaultDhMethod method;
+    DH_meth_set_compute_key(method.method(), [](unsigned char* secret, const BIGNUM*, DH*) {
+        std::copy(SECRET.begin(), SECRET.end(), secret);
+        return 0;
+    });
+    const DiffieHellman pair(rawPair(RFC_2409_GROUP, numberOf(7).get()));
+    const bytes peer = rawBase64(dhRecord(bytes(127) + bytes{0x02}));
+
+    const SecretWatch watch(SECRET);
+    EXPECT_EQ(messageOf<OpenSSLException>([&] { pair.computeSharedSecret(peer); }), "DH_compute_key()");
+    EXPECT_EQ(watch.releasedWithSecret(), 0);
+}
+
+// With no descriptor left for the files, so that only the memory is seen.
+class DiffieHellmanInstrumentationMemory : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &files_), 0);
+        const rlimit none = {0, files_.rlim_max};
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+        Env::setInstrumentation(DIFFIE_HELLMAN, true);
+    }
+    void TearDown() override {
+        Env::setInstrumentation(DIFFIE_HELLMAN, false);
+        ::setrlimit(RLIMIT_NOFILE, &files_);
+    }
+
+private:
+    rlimit files_ = {};
+};
+
+TEST_F(DiffieHellmanInstrumentationMemory, HoldsNoPrivateNumberWhenItIsGivenBack) {
+    const DefaultDhMethod method;
+    DH_meth_set_generate_key(method.method(), [](DH* dh) {
+        return DH_set0_key(dh, numberOf(8).release(), numberFrom(SECRET).release());
+    });
+    const DiffieHellmanParams group(rawDh(RFC_2409_GROUP));
+
+    const SecretWatch watch(SECRET);
+    DiffieHellman::generate(group);
     EXPECT_EQ(watch.releasedWithSecret(), 0);
 }
 

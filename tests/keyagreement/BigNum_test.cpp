@@ -133,6 +133,17 @@ TEST(BigNum, OfANullNumberIsZero) {
     EXPECT_TRUE(BN_is_zero(number.getBIGNUM()));
 }
 
+// Which no bytes make, only OpenSSL's own numbers.
+TEST(BigNum, MayBeNegativeWithTheBytesOfItsMagnitude) {
+    const std::shared_ptr<BIGNUM> raw = rawNumber({0x12, 0x34});
+    BN_set_negative(raw.get(), 1);
+    const BigNum number(raw.get());
+    EXPECT_EQ(number.toString(), "-1234");
+    EXPECT_EQ(number.size(), 2U);
+    EXPECT_EQ(number.encode(), (bytes{0x12, 0x34}));
+    EXPECT_FALSE(number == BigNum(bytes{0x12, 0x34}));
+}
+
 // OpenSSL counts in ints and would take the number of bytes for a negative one.
 TEST(BigNum, OfMoreBytesThanAnIntIsRefusedUnread) {
     const unsigned char data[] = {0x42};

@@ -535,6 +535,20 @@ TEST_F(DiffieHellmanParamsJudgement, TakesWhatOpensslMade) {
     EXPECT_EQ(encoded(*DiffieHellmanParams::generate(5, 512)), blocksOf(RFC_2409_GROUP));
 }
 
+// Only 0 is a failure, and it is one even with a group.
+TEST_F(DiffieHellmanParamsJudgement, GoesByWhetherOpensslAnswersZero) {
+    toBeMade = &RFC_2409_GROUP;
+    DH_meth_set_generate_params(method_.method(), [](DH* dh, int bits, int generator, BN_GENCB* progress) {
+        return -makeThatGroup(dh, bits, generator, progress);
+    });
+    EXPECT_EQ(encoded(*DiffieHellmanParams::generate(2, 1024)), blocksOf(RFC_2409_GROUP));
+
+    DH_meth_set_generate_params(method_.method(), [](DH* dh, int bits, int generator, BN_GENCB* progress) {
+        return makeThatGroup(dh, bits, generator, progress) - 1;
+    });
+    expectRefused([] { DiffieHellmanParams::generate(2, 1024); }, NOT_GENERATED);
+}
+
 TEST_F(DiffieHellmanParamsJudgement, RefusesAPrimeThatIsNotSafe) {
     // 2^521 - 1, whose half is a multiple of 3.
     const std::string hex = "01" + std::string(130, 'F');

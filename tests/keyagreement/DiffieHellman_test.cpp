@@ -102,6 +102,23 @@ TEST_F(DiffieHellmanGeneration, OfAGroupThatOpensslRefusesFails) {
     EXPECT_EQ(takeErrorQueue(), ErrorCodes());
 }
 
+int makeKeysAndAnswer(DH* dh, int result) {
+    return DH_set0_key(dh, numberOf(8).release(), numberOf(6).release()) == 1 ? result : 0;
+}
+
+// Only 0 is a failure, even with keys, and anything else a success.
+TEST_F(DiffieHellmanGeneration, GoesByWhetherOpensslAnswersZero) {
+    const DefaultDhMethod method;
+    const DiffieHellmanParams params(rawDh(numberOf(23).get(), numberOf(5).get()));
+
+    DH_meth_set_generate_key(method.method(), [](DH* dh) { return makeKeysAndAnswer(dh, -1); });
+    EXPECT_EQ(encoded(*DiffieHellman::generate(params)), fromHex("0117 0105 0108 0106"));
+    DH_meth_set_generate_key(method.method(), [](DH* dh) { return makeKeysAndAnswer(dh, 0); });
+    EXPECT_EQ(messageOf<OpenSSLException>([&] { DiffieHellman::generate(params); }), "DH_generate_key()");
+    DH_meth_set_generate_key(method.method(), [](DH*) { return 1; });
+    EXPECT_EQ(messageOf<VORLException>([&] { DiffieHellman::generate(params); }), "DH pub_key is NULL");
+}
+
 // Construction.
 
 class DiffieHellmanConstruction : public DiffieHellmanTest {

@@ -1,3 +1,4 @@
+#include "DefaultDhMethod.h"
 #include "FakeClock.h"
 #include "TempFolder.h"
 #include "block_encoder.h"
@@ -11,6 +12,7 @@
 #include "vorl/DiffieHellman.h"
 #include "vorl/DiffieHellmanParams.h"
 #include "vorl/Env.h"
+#include "vorl/OpenSSLException.h"
 #include "vorl/VORLException.h"
 
 #include <gmock/gmock.h>
@@ -136,6 +138,30 @@ TEST_F(DiffieHellmanInstrumentation, SavesTheSecretOfARefusedPeer) {
     ownPair().computeSharedSecret(rawBase64(dhRecord(bytes(128))));
     EXPECT_EQ(contentOf(pathOf("DHRemotePubKey", 0)), bytes(128));
     EXPECT_EQ(contentOf(pathOf("DHSharedSecret", 1)), bytes(128));
+}
+
+TEST_F(DiffieHellmanInstrumentation, SavesAPeersBareKey) {
+    ownPair().computeSharedSecret(rawBase64(octets(125)));
+    EXPECT_EQ(contentOf(pathOf("DHRemotePubKey", 0)), octets(125));
+}
+
+TEST_F(DiffieHellmanInstrumentation, SavesNoSecretThatOpensslDidNotCompute) {
+    const DefaultDhMethod method;
+    DH_meth_set_compute_key(method.method(), [](unsigned char* secret, const BIGNUM*, DH*) {
+        *secret = 0x55;
+        return 0;
+    });
+    const DiffieHellman pair = ownPair();
+    EXPECT_EQ(
+        messageOf<OpenSSLException>([&] { pair.computeSharedSecret(rawBase64(dhRecord(octets(128)))); }),
+        "DH_compute_key()");
+    EXPECT_THAT(files(), ElementsAre("DHRemotePubKey.0"));
+}
+
+TEST_F(DiffieHellmanInstrumentation, SavesNoPairThatOpensslDidNotMake) {
+    const DiffieHellmanParams tooSmall(rawDh(numberOf(23).get(), numberOf(5).get()));
+    EXPECT_EQ(messageOf<OpenSSLException>([&] { DiffieHellman::generate(tooSmall); }), "DH_generate_key()");
+    EXPECT_THAT(files(), IsEmpty());
 }
 
 TEST_F(DiffieHellmanInstrumentation, SavesAKeyThatIsRefusedAfterwards) {

@@ -1,9 +1,15 @@
 #include "OpenSSLMemory.h"
 #include "OperatorNew.h"
+#include "dh_group.h"
+#include "error_queue.h"
 #include "messageOf.h"
 #include "octets.h"
 #include "vorl/BigNum.h"
+#include "vorl/Buffer.h"
 #include "vorl/ClientKeys.h"
+#include "vorl/DHPubKey.h"
+#include "vorl/DiffieHellman.h"
+#include "vorl/DiffieHellmanParams.h"
 #include "vorl/OpenSSLException.h"
 
 #include <openssl/bn.h>
@@ -86,6 +92,18 @@ TEST_F(BigNumWithoutMemory, IsLeftWithoutANumberByAnAssignment) {
     EXPECT_TRUE(number == source);
 }
 
+// Which no exception reports, so that its entry must not turn up in a report of something else.
+TEST_F(BigNumWithoutMemory, LeavesTheErrorQueueAsItWasWhereItCannotBeAssigned) {
+    const BigNum source(octets(100));
+    BigNum number(octets(3));
+    const unsigned long left = leaveApplicationError();
+    {
+        const OpenSSLOutOfMemory exhausted;
+        number = source;
+    }
+    EXPECT_EQ(takeErrorQueue(), ErrorCodes{left});
+}
+
 TEST_F(BigNumWithoutMemory, KeepsItsNumberWhereItIsAssignedToItself) {
     BigNum number(octets(100));
     const BigNum& same = number;
@@ -143,6 +161,44 @@ TEST_F(ClientKeysWithoutMemory, StayWhatTheyWereWhereTheLibraryHasNone) {
     EXPECT_TRUE(refused);
     EXPECT_EQ(keys.encryptionKey(), before.encryptionKey());
     EXPECT_EQ(keys.hmacKey(), before.hmacKey());
+}
+
+// Records, groups and pairs whose last block is too large for the memory, behind others that are not.
+
+const std::size_t TOO_MANY_BYTES = 20000;
+
+// The buffer has the room, so that it is the block for which there is none.
+template <typename Encodable>
+void expectNothingIsWrittenOf(const Encodable& object) {
+    Buffer out(2 * static_cast<unsigned int>(TOO_MANY_BYTES));
+    out.put(octets(3));
+    bool refused = false;
+    {
+        const OperatorNew few(TOO_MANY_BYTES);
+        try {
+            object.encode(out);
+        } catch (const std::bad_alloc&) {
+            refused = true;
+        }
+    }
+    EXPECT_TRUE(refused);
+    EXPECT_EQ(out.toByteArray(), octets(3));
+}
+
+TEST(DHPubKeyWithoutMemory, IsWrittenAsAWholeOrNotAtAll) {
+    expectNothingIsWrittenOf(DHPubKey(octets(TOO_MANY_BYTES), UInt32(2)));
+}
+
+TEST(DiffieHellmanParamsWithoutRoom, AreWrittenAsAWholeOrNotAtAll) {
+    const Number large = numberFrom(octets(TOO_MANY_BYTES));
+    expectNothingIsWrittenOf(DiffieHellmanParams(rawDh(numberOf(23).get(), large.get())));
+}
+
+TEST(DiffieHellmanWithoutRoom, IsWrittenAsAWholeOrNotAtAll) {
+    const Number small = numberOf(23);
+    const Number large = numberFrom(octets(TOO_MANY_BYTES));
+    expectNothingIsWrittenOf(DiffieHellman(rawDh(small.get(), small.get(), small.get(), large.get())));
+    expectNothingIsWrittenOf(DiffieHellman(rawDh(small.get(), small.get(), large.get(), small.get())));
 }
 
 }  // namespace

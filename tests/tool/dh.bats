@@ -170,9 +170,8 @@ load dh_support
     from_standard_input() {
         vorl dh secret - - -o secret <two
     }
-    run --separate-stderr from_standard_input
-    equals "$status$output" 2
-    contains "$stderr" "vorl: error: standard input cannot be both the key pair and the peer's text"
+    refuses 2 "standard input cannot be both the key pair and the peer's text" "name a file for one of them" \
+        from_standard_input
 }
 
 @test "a number that OpenSSL refuses makes no secret, and the tool says why" {

@@ -1,5 +1,4 @@
 #include "commands/commands.h"
-#include "shared/Descriptor.h"
 #include "shared/SecretBytes.h"
 #include "shared/ToolError.h"
 #include "shared/dh_files.h"
@@ -12,8 +11,6 @@
 
 #include <memory>
 
-#include <unistd.h>
-
 namespace vorl::tool {
 
 namespace {
@@ -23,21 +20,6 @@ struct SecretOptions {
     std::string peer;
     std::string output;
 };
-
-std::optional<FileId> inputFile(const std::string& path) {
-    return path == STANDARD_STREAM ? fileOf(STDIN_FILENO) : fileOf(path);
-}
-
-void refuseOneInputForBoth(const SecretOptions& options) {
-    if (!isPeerFile(options.peer)) {
-        return;
-    }
-    const std::optional<FileId> state = inputFile(options.state);
-    if (state && state == inputFile(options.peer)) {
-        throw ToolError(ExitStatus::USAGE,
-                        inputName(options.peer) + " cannot be both the key pair and the peer's text");
-    }
-}
 
 bool isZero(const bytes& secret) {
     const bytes zeros(secret.size());
@@ -56,7 +38,9 @@ SecretBytes agree(const DiffieHellman& pair, const bytes& peerText) {
 
 ExitStatus makeSecret(const SecretOptions& options) {
     startLibrary();
-    refuseOneInputForBoth(options);
+    if (isPeerFile(options.peer)) {
+        refuseSharedStreams({{"key pair", options.state}, {"peer's text", options.peer}});
+    }
     refuseBinaryOnTerminal(options.output);
     const KeyPair keys = loadKeyPair(options.state);
     if (!isAgreementSize(keys.primeBits)) {

@@ -19,13 +19,15 @@ const unsigned char DER_SEQUENCE = 0x30;
 
 template <class Read>
 ReadGroup attempt(const Read& read) {
+    ReadGroup result;
     try {
-        return {read(), ""};
+        result.group = read();
     } catch (const VORLException& fault) {
-        return {nullptr, fault.what()};
+        result.fault = fault.what();
     } catch (const OpenSSLException& fault) {
-        return {nullptr, std::string(fault.what()) + " failed in OpenSSL"};
+        result.fault = std::string(fault.what()) + " failed in OpenSSL";
     }
+    return result;
 }
 
 ReadGroup groupInPem(const bytes& text) {

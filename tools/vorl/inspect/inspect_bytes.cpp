@@ -159,9 +159,10 @@ void inspectPem(const bytes& text, const std::vector<PemBlock>& blocks, const st
     to.report.isPem = true;
     to.report.recordBytes = text.size();
     for (const PemBlock& block : blocks) {
-        const auto form = std::find_if(std::begin(PEM_FORMS), std::end(PEM_FORMS), [&](const PemForm& each) {
-            return each.fits(block.label) && (kind.empty() || kind == each.kind);
-        });
+        const auto* const form =
+            std::find_if(std::begin(PEM_FORMS), std::end(PEM_FORMS), [&](const PemForm& each) {
+                return each.fits(block.label) && (kind.empty() || kind == each.kind);
+            });
         if (form != std::end(PEM_FORMS)) {
             form->take(text, to);
             return;

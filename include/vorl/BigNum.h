@@ -21,8 +21,8 @@ public:
     /// than 2^31 - 1 bytes.
     BigNum(const unsigned char* data, unsigned int len);
     explicit BigNum(const bytes& data);
-    /// A copy; 0 for null. The sign of a negative number shows in toString() alone. Throws OpenSSLException
-    /// "BN_dup/BN_new".
+    /// A copy; 0 for null. A negative number keeps its sign, which toString() and comparison see, but
+    /// encode() does not write. Throws OpenSSLException "BN_dup/BN_new".
     explicit BigNum(const BIGNUM* bn);
     /// Throws OpenSSLException "BN_dup()".
     BigNum(const BigNum& other);

@@ -38,9 +38,9 @@ public:
     /// The 128 bytes that the peer computes as well, from the text that its getPubKey() gave.
     ///
     /// Leading zero bytes of the shared number are left out, the rest stands at the front and zero bytes
-    /// behind it; the last byte is always 0. Where OpenSSL does not compute,
-    /// because it refuses the peer's number (0, 1 and p - 1 among others) or has no memory, all 128 bytes are
-    /// zero: check for that before you use them.
+    /// behind it; the last byte is always 0. Where OpenSSL does not compute, because it refuses the peer's
+    /// number (0, 1 and p - 1 among others) or has no memory, all 128 bytes are zero: check for that before
+    /// you use them.
     ///
     /// With instrumentation on, the peer's key and the secret are saved as "DHRemotePubKey" and
     /// "DHSharedSecret".

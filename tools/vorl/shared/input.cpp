@@ -45,7 +45,7 @@ struct stat statusOf(int fd, const std::string& path) {
 }
 
 // What is expected to be read: a guess for anything but a regular file.
-std::size_t expectedBytes(int fd, const std::string& path, std::uint64_t maxBytes) {
+std::uint64_t expectedBytes(int fd, const std::string& path, std::uint64_t maxBytes) {
     const struct stat status = statusOf(fd, path);
     if (!S_ISREG(status.st_mode) || status.st_size <= 0) {
         return SMALLEST_STEP_BYTES;
@@ -53,7 +53,15 @@ std::size_t expectedBytes(int fd, const std::string& path, std::uint64_t maxByte
     if (static_cast<std::uint64_t>(status.st_size) > maxBytes) {
         refuseSize(path, maxBytes);
     }
-    return static_cast<std::size_t>(status.st_size);
+    return static_cast<std::uint64_t>(status.st_size);
+}
+
+// More than a vector can count, as on a 32-bit machine, is more than fits in memory.
+void resize(bytes& content, std::uint64_t size) {
+    if (size > content.max_size()) {
+        throw std::bad_alloc();
+    }
+    content.resize(static_cast<std::size_t>(size));
 }
 
 std::size_t readPiece(int fd, const std::string& path, void* data, std::size_t size) {
@@ -66,7 +74,8 @@ std::size_t readPiece(int fd, const std::string& path, void* data, std::size_t s
 
 bytes readAll(int fd, const std::string& path, std::uint64_t maxBytes) {
     // One byte more than expected, so that the end shows without another round.
-    bytes content(expectedBytes(fd, path, maxBytes) + 1);
+    bytes content;
+    resize(content, expectedBytes(fd, path, maxBytes) + 1);
     std::size_t size = 0;
     for (;;) {
         const std::size_t received = readPiece(fd, path, content.data() + size, content.size() - size);
@@ -79,7 +88,7 @@ bytes readAll(int fd, const std::string& path, std::uint64_t maxBytes) {
             refuseSize(path, maxBytes);
         }
         if (size == content.size()) {
-            content.resize(std::max(2 * size, SMALLEST_STEP_BYTES));
+            resize(content, std::max<std::uint64_t>(std::uint64_t{2} * size, SMALLEST_STEP_BYTES));
         }
     }
 }

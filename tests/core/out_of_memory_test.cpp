@@ -74,7 +74,16 @@ TEST(BufferWithoutMemory, TakesNoPartOfABlock) {
 }
 
 TEST(UtilWithoutMemory, IndentIsCountedInMoreThan32Bits) {
-    EXPECT_TRUE(runsOutOfMemory(0x10000000, [] { Util::toFormatString("n", 80, 65536, 65536); }));
+    bool tooLong = false;
+    const bool outOfMemory = runsOutOfMemory(0x10000000, [&] {
+        try {
+            Util::toFormatString("n", 80, 65536, 65536);
+        } catch (const std::length_error&) {
+            tooLong = true;  // where memory has 32-bit addresses
+        }
+    });
+
+    EXPECT_TRUE(tooLong || outOfMemory);
 }
 
 // The lock is free again after a failure, so that another thread is not kept waiting for ever.

@@ -72,6 +72,17 @@ std::string refusalToVerify(const ProcessorPtr& processor) {
     return messageOf<VORLException>([&] { processor->verify(recordOf(octets(128))); });
 }
 
+TEST(PKSignatureProcessor, IsANewOneEachTime) {
+    EXPECT_NE(Processor::create(), Processor::create());
+
+    const ProcessorPtr first = Processor::create();
+    const ProcessorPtr second = Processor::create();
+    first->update(octets(10));
+    second->initSign(privOf(rsa1024()));
+    EXPECT_EQ(refusalToSign(first), SIGN_UNINITIALIZED);
+    EXPECT_EQ(second->sign()->val(), rawRsaSign(rsa1024(), EVP_sha1(), bytes()));
+}
+
 // Modes
 
 TEST(PKSignatureProcessorMode, HasAText) {

@@ -268,6 +268,8 @@ const CommonNameCase COMMON_NAMES[] = {
     {"OnlyABlank", {commonName(" ")}, "\\ "},
     {"ControlCharacters", {commonName("a\n\x7f\x01z")}, "a\\0A\\7F\\01z"},
     {"Zero", {commonName(std::string("good\0.evil", 10))}, "good\\00.evil"},
+    // No text at all: '#', and its DER in hex.
+    {"BitString", {commonNameOf(V_ASN1_BIT_STRING, "\x05")}, "#03020005"},
     {"Long", {commonName(std::string(5000, 'n'))}, std::string(5000, 'n')},
 };
 
@@ -479,6 +481,23 @@ TEST(X509CertText, OfACertificateThatPrintsInPartLeavesTheErrorQueueAsItWas) {
 
     EXPECT_EQ(X509Cert(raw).toString(), expected);
     EXPECT_EQ(takeErrorQueue(), ErrorCodes{left});
+}
+
+// OpenSSL prints the error queue into the text, the application's entries among them.
+TEST(X509CertText, OfACertificateWhoseKeyOpenSSLCannotMakeOutTakesTheErrorQueueWithIt) {
+    bytes der = rawDer(rawCert(CertForm()));
+    // rsaEncryption (RFC 8017), with a last arc that nobody has assigned.
+    const bytes oid = fromHex("06 09 2a864886f70d010101");
+    const auto at = std::search(der.begin(), der.end(), oid.begin(), oid.end());
+    ASSERT_NE(at, der.end());
+    *(at + 10) = 0x7f;
+    const std::shared_ptr<X509Cert> cert = X509Cert::decode(der);
+    takeErrorQueue();
+    leaveApplicationError();
+
+    const std::string text = cert->toString();
+    EXPECT_NE(text.find("Unable to load Public Key\n"), std::string::npos);
+    EXPECT_EQ(takeErrorQueue(), ErrorCodes{});
 }
 
 }  // namespace

@@ -236,3 +236,17 @@ $CHAIN"
     refuses 2 "a command is needed" "'vorl cert --help' lists the commands" vorl cert
     refuses 2 "there is no command 'cert frobnicate'" "'vorl cert --help' lists the commands" vorl cert frobnicate
 }
+
+@test "a name reaches no terminal as it is" {
+    rsa_key service
+    openssl req -x509 -new -key service.pem -utf8 -subj "/CN=a"$'\e]0;b\a\e[31m\u009b31m\r' -out named.crt -days 2
+    local name="a\\1B]0\\;b\\07\\1B[31m\\C2\\9B31m\\0D"
+    for command in show "show --json"; do
+        # shellcheck disable=SC2086
+        equals "$(vorl cert $command named.crt | LC_ALL=C grep -c $'[^ -~]')" 0
+    done
+    succeeds vorl cert show named.crt
+    equals "${lines[1]} ${lines[2]} ${lines[3]}" "subject's common name: $name subject: CN=$name issuer: CN=$name"
+    run --separate-stderr vorl cert check named.crt
+    equals "${lines[0]}" "subject: CN=$name"
+}

@@ -269,3 +269,52 @@ judged_at() {
     }
     refuses 3 "cannot read standard input: it is not open" "" closed
 }
+
+@test "the time of a certificate is judged before the signature is looked at" {
+    rsa_key service
+    certificate late service 20200101000000Z 20201231235959Z
+    octets 0200 >broken
+    refuses 1 "the certificate in 'late.crt' is out of its time: it is not valid after 2020-12-31T23:59:59Z" \
+        "$TIME_HINT" vorl verify --cert late.crt -s broken note
+    refuses 3 "'broken' is not a signature record: Unknown PKSignature version: [UInt8: 0x 02]" "$INSPECT_HINT" \
+        vorl verify --cert late.crt --ignore-time -s broken note
+}
+
+@test "the name of the signer reaches no terminal as it is" {
+    rsa_key service
+    openssl req -x509 -new -key service.pem -utf8 -subj "/CN=a"$'\e]0;b\a\e[31m\u009b31m\r' -out named.crt -days 2
+    signed service note >signature
+    succeeds vorl verify --cert named.crt --ignore-time -s signature note
+    equals "${lines[1]}" "signer, by the certificate: CN=a\\1B]0\\;b\\07\\1B[31m\\C2\\9B31m\\0D"
+}
+
+@test "the key is found among other blocks, and the certificate too" {
+    rsa_key service
+    certificate service service
+    signed service note >signature
+    { echo "a comment" && cat service.pem service.crt service.pub; } >bundle
+    equals "$(vorl verify -k bundle -s signature note)" "the signature matches"
+    succeeds vorl verify --cert bundle -s signature note
+    succeeds vorl verify --cert - -s signature note <bundle
+}
+
+@test "a certificate that claims to be encrypted is refused at once, with a standard input that says nothing" {
+    { echo "-----BEGIN CERTIFICATE-----" && echo "Proc-Type: 4,ENCRYPTED" &&
+        echo "DEK-Info: AES-128-CBC,$IV_HEX" && echo && base64_text <note && echo &&
+        echo "-----END CERTIFICATE-----"; } >encrypted.crt
+    refuses 3 "cannot read the certificate from 'encrypted.crt': PEM_read_bio_X509() failed in OpenSSL" "" \
+        idle "$VORL" verify --cert encrypted.crt -s key note
+}
+
+@test "a standard output that is full or closed is told" {
+    rsa_key service
+    signed service note >signature
+    full() {
+        vorl verify -k service.pub -s signature note >/dev/full
+    }
+    refuses 5 "cannot write standard output: No space left on device" "" full
+    closed() {
+        vorl verify -k service.pub -s signature note >&-
+    }
+    refuses 5 "cannot write standard output: it is not open" "" closed
+}

@@ -239,7 +239,7 @@ $CHAIN"
 
 @test "a name reaches no terminal as it is" {
     rsa_key service
-    openssl req -x509 -new -key service.pem -utf8 -subj "/CN=a"$'\e]0;b\a\e[31m\u009b31m\r' -out named.crt -days 2
+    openssl req -x509 -new -key service.pem -utf8 -subj "/CN=a"$'\e]0;b\a\e[31m\xc2\x9b31m\r' -out named.crt -days 2
     local name="a\\1B]0\\;b\\07\\1B[31m\\C2\\9B31m\\0D"
     for command in show "show --json"; do
         # shellcheck disable=SC2086

@@ -90,7 +90,7 @@ void addCommonName(const X509Cert& certificate, Report& report) {
 }
 
 void addKey(const X509Cert& certificate, Report& report) {
-    const EVP_PKEY* const key = X509_get0_pubkey(certificate.getX509());
+    EVP_PKEY* const key = X509_get0_pubkey(certificate.getX509());
     ERR_clear_error();
     if (key != nullptr) {
         addKeyFacts(key, report);

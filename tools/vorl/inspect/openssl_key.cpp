@@ -48,14 +48,12 @@ OpenSSLKey keyIn(const bytes& der, const Read& read) {
     return key && at == der.data() + der.size() ? key : nullptr;
 }
 
-bytes publicDer(const EVP_PKEY* key) {
-    // OpenSSL takes a key that is not const, but no more than reads it.
-    auto* const readable = const_cast<EVP_PKEY*>(key);
-    const int size = i2d_PUBKEY(readable, nullptr);
+bytes publicDer(EVP_PKEY* key) {
+    const int size = i2d_PUBKEY(key, nullptr);
     bytes der(size > 0 ? static_cast<std::size_t>(size) : 0);
     if (!der.empty()) {
         unsigned char* at = der.data();
-        i2d_PUBKEY(readable, &at);
+        i2d_PUBKEY(key, &at);
     }
     ERR_clear_error();
     return der;
@@ -82,7 +80,7 @@ std::shared_ptr<RSA> rsaOf(const EVP_PKEY* key) {
 
 // Keeps the number 0, or no number at all, out of a report.
 void addNumber(const char* name, const char* label, const BIGNUM* number, Secrets secrets, Report& report) {
-    if (number != nullptr && !BN_is_zero(number)) {
+    if (number != nullptr && BN_is_zero(number) == 0) {
         report.facts.push_back({name, label, secretText(bytesOf(number).get(), secrets)});
     }
 }
@@ -121,8 +119,8 @@ bool isEncryptedInDer(const bytes& der) {
 
 std::string algorithmName(const EVP_PKEY* key) {
     const int type = EVP_PKEY_base_id(key);
-    const auto known = std::find_if(std::begin(ALGORITHM_NAMES), std::end(ALGORITHM_NAMES),
-                                    [type](const AlgorithmName& each) { return each.type == type; });
+    const auto* const known = std::find_if(std::begin(ALGORITHM_NAMES), std::end(ALGORITHM_NAMES),
+                                           [type](const AlgorithmName& each) { return each.type == type; });
     if (known != std::end(ALGORITHM_NAMES)) {
         return known->name;
     }
@@ -142,7 +140,7 @@ std::string libraryVerdictOn(const EVP_PKEY* key) {
     }
 }
 
-void addKeyFacts(const EVP_PKEY* key, Report& report) {
+void addKeyFacts(EVP_PKEY* key, Report& report) {
     report.facts.push_back({"keyAlgorithm", "key algorithm", algorithmName(key)});
     report.facts.push_back({"keyBits", "bits in the key", static_cast<std::uint64_t>(EVP_PKEY_bits(key))});
     if (const std::shared_ptr<RSA> rsa = rsaOf(key)) {

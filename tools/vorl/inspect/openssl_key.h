@@ -30,7 +30,7 @@ std::string libraryVerdictOn(const EVP_PKEY* key);
 
 /// Enters the algorithm, the size and the fingerprint of the public part into the report, which the two
 /// halves of a pair and a certificate for it have in common.
-void addKeyFacts(const EVP_PKEY* key, Report& report);
+void addKeyFacts(EVP_PKEY* key, Report& report);
 
 /// Enters the private numbers of an RSA key into the report, or what stands for them; nothing for other keys.
 void addPrivateFacts(const EVP_PKEY* key, Secrets secrets, Report& report);

@@ -18,7 +18,7 @@ namespace {
 // What OpenSSL reads of a block, still in its own storage.
 class RawBlock {
 public:
-    explicit RawBlock(BIO* bio) { isWhole_ = PEM_read_bio(bio, &label_, &header_, &data_, &size_) == 1; }
+    explicit RawBlock(BIO* bio) : isWhole_(PEM_read_bio(bio, &label_, &header_, &data_, &size_) == 1) {}
     ~RawBlock() {
         OPENSSL_free(label_);
         OPENSSL_free(header_);
@@ -40,7 +40,8 @@ private:
     char* header_ = nullptr;
     unsigned char* data_ = nullptr;
     long size_ = 0;
-    bool isWhole_ = false;
+    // Behind the others, which the reading of it sets.
+    const bool isWhole_;
 };
 
 PemContent contentOf(const std::shared_ptr<BIO>& bio) {

@@ -238,3 +238,13 @@ envelope() {
         [[ "$output" != *"$hex"* ]]
     done
 }
+
+@test "the file of the key is not replaced by the message or the envelope" {
+    cp key before
+    refuses 2 "the key and the output are one file: 'key'" "name another file with -o: the key would be lost" \
+        vorl protect -k key note -o key
+    vorl protect -k key note -o envelope
+    refuses 2 "the key and the output are one file: './key'" "name another file with -o: the key would be lost" \
+        vorl unprotect -k key envelope -o ./key
+    cmp key before
+}

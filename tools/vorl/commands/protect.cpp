@@ -64,6 +64,7 @@ std::uint64_t distanceToReadable(std::uint64_t messageBytes, std::uint64_t step,
 
 ExitStatus protect(const ProtectOptions& options) {
     startLibrary();
+    options.key.refuseAsOutput(options.message.output);
     const Level& level = levelNamed(options.level);
     if (level.spec().ivSize > 0) {
         requireRandom();

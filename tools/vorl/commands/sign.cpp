@@ -1,12 +1,15 @@
 #include "commands/commands.h"
 #include "shared/KeyFile.h"
+#include "shared/ToolError.h"
 #include "shared/input.h"
 #include "shared/output.h"
 #include "shared/signature_keys.h"
 #include "shared/start_up.h"
+#include "vorl/OpenSSLException.h"
 #include "vorl/PKSignature.h"
 #include "vorl/PKSignatureProcessor.h"
 #include "vorl/PrivKey.h"
+#include "vorl/PubKey.h"
 
 #include <CLI/CLI.hpp>
 
@@ -22,16 +25,38 @@ struct SignOptions {
     std::optional<std::string> output;
 };
 
+// A damaged key can sign, too, what nobody can verify.
+std::shared_ptr<const PKSignature> signatureBy(PKSignatureProcessor& processor) {
+    try {
+        return processor.sign();
+    } catch (const OpenSSLException&) {
+        return nullptr;
+    }
+}
+
 ExitStatus sign(const SignOptions& options) {
     startLibrary();
+    options.key.refuseAsOutput(options.output);
     // What hides the key from a clock is random, although the signature is not.
     requireRandom();
     const std::shared_ptr<const PrivKey> key = loadPrivateKey(options.key, options.input);
 
     const auto processor = PKSignatureProcessor::create();
+    const auto check = PKSignatureProcessor::create();
     processor->initSign(key);
-    readInPieces(options.input, [&processor](const bytes& piece) { processor->update(piece); });
-    bytes text = processor->sign()->encodeB64();
+    check->initVerify(std::make_shared<const PubKey>(key->getEVP_PKEY()));
+    readInPieces(options.input, [&](const bytes& piece) {
+        processor->update(piece);
+        check->update(piece);
+    });
+    const std::shared_ptr<const PKSignature> signature = signatureBy(*processor);
+    if (!signature || !check->verify(signature)) {
+        throw ToolError(ExitStatus::BAD_INPUT,
+                        "the private key from " + options.key.source() +
+                            " is damaged: its numbers do not belong together",
+                        "'openssl pkey -check' tells more");
+    }
+    bytes text = signature->encodeB64();
     text.push_back('\n');
     writeOutput(options.output, text, Readers::ANYBODY);
     return ExitStatus::SUCCESS;

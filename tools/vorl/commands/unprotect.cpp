@@ -130,6 +130,7 @@ bytes openEnvelope(const bytes& envelope, const Level& level, const SecretBytes&
 
 ExitStatus unprotect(const UnprotectOptions& options) {
     startLibrary();
+    options.key.refuseAsOutput(options.message.output);
     const std::vector<Level> accepted = acceptedLevels(options.accept);
     const SecretBytes key = loadMessageKey(options.key, accepted, options.message.input);
     setPolicy(accepted);

@@ -142,7 +142,7 @@ std::size_t sizeInDer(const bytes& record) {
 }  // namespace
 
 bool isCertificateLabel(const std::string& label) {
-    return label == "CERTIFICATE" || label == "X509 CERTIFICATE" || label == "TRUSTED CERTIFICATE";
+    return label == "CERTIFICATE" || label == "X509 CERTIFICATE";
 }
 
 bool isCertificateInDer(const bytes& record) {

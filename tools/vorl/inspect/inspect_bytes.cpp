@@ -85,6 +85,15 @@ void takeSignature(const bytes& record, const Inspection& to) {
     inspectSignature(record, to.report);
 }
 
+// No group, key or certificate is larger; OpenSSL reads hostile DER in a time that grows with the square of
+// its size.
+const std::size_t MAX_DER_BYTES = std::size_t{1024} * 1024;
+
+template <bool (*Fits)(const bytes&)>
+bool isDer(const bytes& record) {
+    return record.size() <= MAX_DER_BYTES && Fits(record);
+}
+
 struct RecordForm {
     const char* kind;
     bool (*fits)(const bytes& record);
@@ -96,10 +105,10 @@ struct RecordForm {
 // envelope of the level test that could have it, since such envelopes are for tests.
 const RecordForm RECORD_FORMS[] = {
     {"dh-record", beginsAsDhRecord, takeDhRecord},
-    {"dh-params", isGroupInDer, takeDerGroup},
-    {"certificate", isCertificateInDer, takeCertificate},
-    {"public-key", isPublicKeyInDer, takePublicKey},
-    {"private-key", isPrivateKeyInDer, takePrivateKey},
+    {"dh-params", isDer<isGroupInDer>, takeDerGroup},
+    {"certificate", isDer<isCertificateInDer>, takeCertificate},
+    {"public-key", isDer<isPublicKeyInDer>, takePublicKey},
+    {"private-key", isDer<isPrivateKeyInDer>, takePrivateKey},
     {"signature", isSignatureOfUsualSize, takeSignature},
     {"envelope", isWholeEnvelope, takeEnvelope},
     {"envelope", beginsAsFullEnvelope, takeEnvelope},

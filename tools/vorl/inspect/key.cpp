@@ -1,7 +1,9 @@
 #include "inspect/key.h"
 
+#include "inspect/numbers.h"
 #include "inspect/openssl_key.h"
 #include "inspect/pem_content.h"
+#include "shared/SecretBytes.h"
 
 #include <algorithm>
 #include <iterator>
@@ -69,8 +71,10 @@ bool isPublicKeyInDer(const bytes& record) {
     return publicKeyInDer(record) != nullptr;
 }
 
+// A newline behind a key does not make it less of a secret.
 bool isPrivateKeyInDer(const bytes& record) {
-    return isEncryptedInDer(record) || privateKeyInDer(record) != nullptr;
+    const SecretBytes key(firstElement(record));
+    return isEncryptedInDer(key.get()) || privateKeyInDer(key.get()) != nullptr;
 }
 
 void inspectPublicKeyInPem(const bytes& text, Report& report) {
@@ -87,7 +91,12 @@ void inspectPrivateKeyInPem(const bytes& text, Report& report, Secrets secrets) 
 }
 
 void inspectPrivateKeyInDer(const bytes& record, Report& report, Secrets secrets) {
-    inspectPrivateKey(record, isEncryptedInDer(record), secrets, report);
+    const SecretBytes key(firstElement(record));
+    inspectPrivateKey(key.get(), isEncryptedInDer(key.get()), secrets, report);
+    const std::size_t trailing = record.size() - key.get().size();
+    if (trailing > 0 && !report.problem) {
+        report.problem = Problem{key.get().size(), "the key ends here, but " + moreText(trailing)};
+    }
 }
 
 }  // namespace vorl::tool

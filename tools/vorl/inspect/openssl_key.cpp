@@ -25,6 +25,11 @@ namespace {
 
 const unsigned char DER_SEQUENCE = 0x30;
 
+// An RSA key of 16384 bits, the largest that OpenSSL computes with, has less than 10 KiB; of other
+// algorithms, none in use has 2 KiB.
+const std::size_t MAX_RSA_KEY_BYTES = std::size_t{16} * 1024;
+const std::size_t MAX_OTHER_KEY_BYTES = std::size_t{4} * 1024;
+
 // OpenSSL's own names are not those that people use.
 struct AlgorithmName {
     int type;
@@ -46,6 +51,31 @@ OpenSSLKey keyIn(const bytes& der, const Read& read) {
     OpenSSLKey key = safe_ptr(read(&at, static_cast<long>(der.size())));
     ERR_clear_error();
     return key && at == der.data() + der.size() ? key : nullptr;
+}
+
+bool isRsaInPkcs8(const bytes& der) {
+    const unsigned char* at = der.data();
+    const std::unique_ptr<PKCS8_PRIV_KEY_INFO, decltype(&PKCS8_PRIV_KEY_INFO_free)> info(
+        d2i_PKCS8_PRIV_KEY_INFO(nullptr, &at, static_cast<long>(der.size())), PKCS8_PRIV_KEY_INFO_free);
+    const ASN1_OBJECT* id = nullptr;
+    const bool isRead = info && PKCS8_pkey_get0(&id, nullptr, nullptr, nullptr, info.get()) == 1;
+    ERR_clear_error();
+    return isRead && OBJ_obj2nid(id) == NID_rsaEncryption;
+}
+
+bool hasSizeOfPrivateKey(const bytes& der) {
+    if (der.size() <= MAX_OTHER_KEY_BYTES) {
+        return !der.empty();
+    }
+    if (der.size() > MAX_RSA_KEY_BYTES) {
+        return false;
+    }
+    // The older form of RSA, nine numbers, holds nothing to compute with while it is read.
+    const unsigned char* at = der.data();
+    const std::unique_ptr<RSA, decltype(&RSA_free)> rsa(
+        d2i_RSAPrivateKey(nullptr, &at, static_cast<long>(der.size())), RSA_free);
+    ERR_clear_error();
+    return rsa != nullptr || isRsaInPkcs8(der);
 }
 
 bytes publicDer(EVP_PKEY* key) {
@@ -97,9 +127,23 @@ OpenSSLKey publicKeyInDer(const bytes& der) {
 
 OpenSSLKey privateKeyInDer(const bytes& der) {
     // OpenSSL might want to ask for the password.
-    return isEncryptedInDer(der) ? nullptr : keyIn(der, [](const unsigned char** at, long size) {
-        return d2i_AutoPrivateKey(nullptr, at, size);
-    });
+    return isEncryptedInDer(der) || !hasSizeOfPrivateKey(der)
+               ? nullptr
+               : keyIn(der, [](const unsigned char** at, long size) {
+                     return d2i_AutoPrivateKey(nullptr, at, size);
+                 });
+}
+
+bytes firstElement(const bytes& der) {
+    const unsigned char* at = der.data();
+    long length = 0;
+    int tag = 0;
+    int tagClass = 0;
+    const bool isRead =
+        !der.empty() &&
+        (ASN1_get_object(&at, &length, &tag, &tagClass, static_cast<long>(der.size())) & 0x81) == 0;
+    ERR_clear_error();
+    return isRead ? bytes(der.data(), at + length) : der;
 }
 
 bool isEncryptedInDer(const bytes& der) {

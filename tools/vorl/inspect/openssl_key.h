@@ -15,9 +15,13 @@ namespace vorl::tool {
 using OpenSSLKey = std::shared_ptr<EVP_PKEY>;
 
 /// A key in DER: SubjectPublicKeyInfo or RSAPublicKey; PrivateKeyInfo or what the algorithm had before it.
-/// Null for anything else, and where bytes follow.
+/// Null for anything else, where bytes follow, and for a private key of a size that no key has: while it
+/// reads, OpenSSL computes with the numbers, which can take hours.
 OpenSSLKey publicKeyInDer(const bytes& der);
 OpenSSLKey privateKeyInDer(const bytes& der);
+
+/// The bytes of the first element of DER, and all of them where that cannot be told.
+bytes firstElement(const bytes& der);
 
 /// Whether a private key in DER is encrypted with a password (PKCS #8, EncryptedPrivateKeyInfo).
 bool isEncryptedInDer(const bytes& der);

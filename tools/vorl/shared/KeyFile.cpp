@@ -130,6 +130,18 @@ SecretBytes KeyFile::content(const std::string& inputPath) const {
     return readSecret(file.get(), source());
 }
 
+void KeyFile::refuseAsOutput(const std::optional<std::string>& outputPath) const {
+    if (!path_ || !outputPath || isStandardInput() || *outputPath == STANDARD_STREAM) {
+        return;
+    }
+    const std::optional<FileId> key = fileOf(*path_);
+    const std::optional<FileId> output = fileOf(*outputPath);
+    if (key && output && *key == *output) {
+        throw ToolError(ExitStatus::USAGE, "the key and the output are one file: '" + *outputPath + "'",
+                        "name another file with -o: the key would be lost");
+    }
+}
+
 std::string KeyFile::source() const {
     return descriptor_ ? "descriptor " + std::to_string(*descriptor_) : inputName(*path_);
 }

@@ -29,6 +29,8 @@ public:
     SecretBytes loadAnySize(const std::string& inputPath) const;
     /// What the file holds, as it is.
     SecretBytes content(const std::string& inputPath) const;
+    /// Throws ToolError where a result would replace the file of the key.
+    void refuseAsOutput(const std::optional<std::string>& outputPath) const;
     /// How messages name the file.
     std::string source() const;
 

@@ -19,9 +19,10 @@ const int INCOMPARABLE = -2;
                     "'vorl cert show' shows it");
 }
 
-// Below, at or above 0, as `a` is before, at or after `b`.
-int compare(const ASN1_TIME* a, const ASN1_TIME* b) {
-    const int order = ASN1_TIME_compare(a, b);
+// Below, at or above 0, as `bound` is before, at or after `time`. A form that the library cannot compare with
+// the current time is not compared with another one either.
+int compare(const ASN1_TIME* bound, const ASN1_TIME* time) {
+    const int order = X509_cmp_current_time(bound) != 0 ? ASN1_TIME_compare(bound, time) : INCOMPARABLE;
     if (order == INCOMPARABLE) {
         ERR_clear_error();
         refusePeriod();

@@ -51,7 +51,8 @@ public:
     virtual std::shared_ptr<const PKSignature> sign();
     /// Whether the signature is the key's own over the data. One that does not match, or is malformed, is
     /// false and no error, as is one that OpenSSL has no memory to check.
-    /// Throws VORLException in another mode than VERIFY and without a key.
+    /// Throws VORLException in another mode than VERIFY and without a key, OpenSSLException where OpenSSL
+    /// cannot digest.
     virtual bool verify(const std::shared_ptr<const PKSignature>& signature);
     virtual ~PKSignatureProcessor();
 

@@ -39,9 +39,10 @@ public:
     /// Throws OpenSSLException where OpenSSL cannot make the key out, VORLException where it is not RSA.
     std::shared_ptr<PubKey> getPubKey() const;
 
-    /// The subject's first common name, escaped after RFC 2253: a character outside ASCII is its UTF-8 bytes
-    /// as \XX each, and , + " \ < > ; stand behind a backslash. No terminating zero. Throws OpenSSLException
-    /// for a subject without one, VORLException for an empty one.
+    /// The subject's first common name, escaped after RFC 2253: a control character, and each UTF-8 byte of a
+    /// character outside ASCII, is \XX; one of , + " \ < > ; and a blank or # where it would be misread,
+    /// stand behind a backslash; what is no text at all is # and its DER in hex. No terminating zero. Throws
+    /// OpenSSLException for a subject without one, VORLException for an empty one.
     bytes getCommonName() const;
 
     /// Whether the current time lies within the validity period. Throws OpenSSLException for a period that

@@ -8,6 +8,7 @@
 
 #include <openssl/crypto.h>
 
+#include <algorithm>
 #include <cstddef>
 
 namespace vorl {
@@ -68,12 +69,11 @@ void ClientKeys::derive(const bytes& material) {
         throw VORLException("invalid digest output size");
     }
 
-    // Room for both first, so that an exception leaves both keys as they were.
-    encryptionKey_.reserve(ENCRYPTION_KEY_BYTES);
-    hmacKey_.reserve(HMAC_KEY_BYTES);
-    const auto boundary = digest.begin() + ENCRYPTION_KEY_BYTES;
-    encryptionKey_.assign(digest.begin(), boundary);
-    hmacKey_.assign(boundary, digest.end());
+    // Room for both first: once it is there, nothing can fail.
+    encryptionKey_.resize(ENCRYPTION_KEY_BYTES);
+    hmacKey_.resize(HMAC_KEY_BYTES);
+    std::copy_n(digest.begin(), ENCRYPTION_KEY_BYTES, encryptionKey_.begin());
+    std::copy_n(digest.begin() + ENCRYPTION_KEY_BYTES, HMAC_KEY_BYTES, hmacKey_.begin());
 }
 
 bool ClientKeys::operator==(const ClientKeys& other) const {

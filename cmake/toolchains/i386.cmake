@@ -9,3 +9,6 @@ include("${CMAKE_CURRENT_LIST_DIR}/debian-cross.cmake")
 # The system has no loader and no C library of this architecture; those of the cross compiler serve.
 set(CMAKE_EXE_LINKER_FLAGS_INIT
     "-Wl,--dynamic-linker=${vorl_target_libraries}/ld-linux.so.2 -Wl,-rpath,${vorl_target_libraries}:${vorl_sysroot_libraries}")
+
+# Calls through the table of addresses itself take less room than stubs, for which each caller loads a register first.
+set(CMAKE_CXX_FLAGS_MINSIZEREL_INIT "-fno-plt")

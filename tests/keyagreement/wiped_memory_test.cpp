@@ -1,4 +1,5 @@
 #include "DefaultDhMethod.h"
+#include "FakeClock.h"
 #include "SecretWatch.h"
 #include "dh_group.h"
 #include "dh_record.h"
@@ -16,9 +17,9 @@
 
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
-#include <sys/resource.h>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -189,22 +190,23 @@ TEST(DiffieHellmanMemory, HoldsNoSecretThatIsNotHandedOut) {
     EXPECT_EQ(watch.releasedWithSecret(), 0);
 }
 
-// With no descriptor left for the files, so that only the memory is seen.
 class DiffieHellmanInstrumentationMemory : public ::testing::Test {
 protected:
+    // The file is named after the second. Other tests may run at the same time, in processes of their own.
     void SetUp() override {
-        ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &files_), 0);
-        const rlimit none = {0, files_.rlim_max};
-        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+        clock_.advance(::getpid());
+        ::unlink(path().c_str());
         Env::setInstrumentation(DIFFIE_HELLMAN, true);
     }
     void TearDown() override {
         Env::setInstrumentation(DIFFIE_HELLMAN, false);
-        ::setrlimit(RLIMIT_NOFILE, &files_);
+        EXPECT_EQ(::unlink(path().c_str()), 0);
     }
 
 private:
-    rlimit files_ = {};
+    std::string path() const { return "/tmp/DiffieHellman." + std::to_string(clock_.now()) + ".0"; }
+
+    FakeClock clock_;
 };
 
 TEST_F(DiffieHellmanInstrumentationMemory, HoldsNoPrivateNumberWhenItIsGivenBack) {

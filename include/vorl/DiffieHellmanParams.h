@@ -64,7 +64,7 @@ private:
     friend class DiffieHellman;
 
     struct Owned {};
-    DiffieHellmanParams(Owned, std::shared_ptr<DH> dh);
+    DiffieHellmanParams(Owned tag, std::shared_ptr<DH> dh);
 
     static std::unique_ptr<DiffieHellmanParams> own(std::shared_ptr<DH> dh);
     void initObj(const unsigned char* data, std::size_t len);

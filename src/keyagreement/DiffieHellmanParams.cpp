@@ -36,7 +36,7 @@ namespace {
 // Not an assert(), which a release build would leave out.
 void abortUnlessKnown(unsigned int gen) {
     if (gen != 2 && gen != 5) {
-        std::fputs("vorl::DiffieHellmanParams::generate: gen == 2 || gen == 5\n", stderr);
+        static_cast<void>(std::fputs("vorl::DiffieHellmanParams::generate: gen == 2 || gen == 5\n", stderr));
         std::abort();
     }
 }

@@ -61,6 +61,11 @@ std::string seedToString(const bytes& seed) {
            Util::toFormatHexString(seed, "seed");
 }
 
+// Numbers, bit strings and sequences are all ASN1_STRINGs.
+const ASN1_STRING* valueOf(const ASN1_TYPE& element) {
+    return element.value.asn1_string;  // NOLINT(cppcoreguidelines-pro-type-union-access)
+}
+
 Sequence elementsOf(const unsigned char* der, long length) {
     return Sequence(d2i_ASN1_SEQUENCE_ANY(nullptr, &der, length));
 }
@@ -77,10 +82,10 @@ void readValidation(const ASN1_STRING& der, Generation& generation) {
     for (int i = 0; i < sk_ASN1_TYPE_num(elements.get()); ++i) {
         const ASN1_TYPE& element = *sk_ASN1_TYPE_value(elements.get(), i);
         if (element.type == V_ASN1_BIT_STRING) {
-            const unsigned char* const seed = ASN1_STRING_get0_data(element.value.bit_string);
-            generation.seed = seedToString(bytes(seed, seed + ASN1_STRING_length(element.value.bit_string)));
+            const unsigned char* const seed = ASN1_STRING_get0_data(valueOf(element));
+            generation.seed = seedToString(bytes(seed, seed + ASN1_STRING_length(valueOf(element))));
         } else if (element.type == V_ASN1_INTEGER) {
-            generation.counter = std::to_string(ASN1_INTEGER_get(element.value.integer));
+            generation.counter = std::to_string(ASN1_INTEGER_get(valueOf(element)));
         }
     }
 }
@@ -96,9 +101,9 @@ Generation generationOf(const DH* dh, const BIGNUM* q) {
     for (int i = first; i < sk_ASN1_TYPE_num(elements.get()); ++i) {
         const ASN1_TYPE& element = *sk_ASN1_TYPE_value(elements.get(), i);
         if (element.type == V_ASN1_INTEGER) {
-            generation.j = textOf(element.value.integer);
+            generation.j = textOf(valueOf(element));
         } else if (element.type == V_ASN1_SEQUENCE) {
-            readValidation(*element.value.sequence, generation);
+            readValidation(*valueOf(element), generation);
         }
     }
     return generation;

@@ -23,7 +23,8 @@ namespace {
 //
 // A key without a modulus is none: OpenSSL would look for its size and not find it.
 std::shared_ptr<RSA> rsaOf(const EVP_PKEY* pkey) {
-    std::shared_ptr<RSA> rsa = safe_ptr(EVP_PKEY_get1_RSA(const_cast<EVP_PKEY*>(pkey)));
+    auto* const source = const_cast<EVP_PKEY*>(pkey);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
+    std::shared_ptr<RSA> rsa = safe_ptr(EVP_PKEY_get1_RSA(source));
     return rsa && RSA_get0_n(rsa.get()) != nullptr ? rsa : nullptr;
 }
 
@@ -111,7 +112,7 @@ std::string OpenSSLPKey::print(const EVP_PKEY* pkey, unsigned int indent) {
         fail("EVP_PKEY_get1_RSA() in OpenSSLPKey::print(pkey)", __LINE__, __func__);
     }
     // OpenSSL counts in ints.
-    const unsigned int maxIndent = static_cast<unsigned int>(std::numeric_limits<int>::max());
+    const auto maxIndent = static_cast<unsigned int>(std::numeric_limits<int>::max());
     const std::shared_ptr<BIO> bio = newMemoryBio();
     if (!bio || RSA_print(bio.get(), rsa.get(), static_cast<int>(std::min(indent, maxIndent))) == 0) {
         fail("RSA_print() in OpenSSLPKey::print(pkey)", __LINE__, __func__);

@@ -76,10 +76,10 @@ TEST_F(InspectDh, NumbersThatAreNotWrittenSoAreNoGroupUnasked) {
 }
 
 TEST_F(InspectDh, TheKeyOfARecordIsHeldToTheBoundsOfAnAgreement) {
-    for (const std::size_t keyBytes : {120, 124, 129}) {
+    for (const std::size_t keyBytes : {120U, 124U, 129U}) {
         EXPECT_FALSE(inspectBytes(record(keyBytes) + bytes(8)).problem) << keyBytes;
     }
-    for (const std::size_t keyBytes : {119, 130}) {
+    for (const std::size_t keyBytes : {119U, 130U}) {
         const Report report = inspectBytes(record(keyBytes) + bytes(8));
         ASSERT_TRUE(report.problem) << keyBytes;
         EXPECT_EQ(report.libraryVerdict, "") << keyBytes;

@@ -45,6 +45,15 @@ struct Region {
     std::size_t length;
 };
 
+// 32-bit ARM moves two words at once only to and from where a word may stand, and the standard library keeps
+// words before the characters of an exception's text. Up to three bytes behind a block may be read there
+// unnoticed.
+#ifdef __arm__
+const std::size_t ALIGNMENT = 4;
+#else
+const std::size_t ALIGNMENT = 1;
+#endif
+
 const std::size_t MAX_REGIONS = 20000;
 
 bool guarding = false;
@@ -65,7 +74,7 @@ void* allocateGuarded(std::size_t size) noexcept {
         std::abort();
     }
     // An object's size is a multiple of its alignment, so that it stays aligned here.
-    void* const block = base + usable - size;
+    void* const block = base + usable - (size + ALIGNMENT - 1) / ALIGNMENT * ALIGNMENT;
     regions[regionCount++] = {block, base, usable + page};
     return block;
 }
@@ -138,14 +147,14 @@ const std::size_t SEAM_SIZES[] = {127,   128,   8175,  8176,  8191,  8192,  8193
 }  // namespace
 
 TEST_F(GuardedMemoryDeathTest, ReadPastTheEndOfAVectorIsNoticed) {
-    const bytes key = octets(15);
+    const bytes key = octets(12);
     const volatile unsigned char* const octetsOfKey = key.data();
-    EXPECT_EQ(octetsOfKey[14], key[14]);
-    EXPECT_DEATH(static_cast<void>(octetsOfKey[15]), "");
+    EXPECT_EQ(octetsOfKey[11], key[11]);
+    EXPECT_DEATH(static_cast<void>(octetsOfKey[12]), "");
 }
 
 TEST_F(GuardedMemoryDeathTest, OpenSSLReadsAWholeKeyAndIsNoticed) {
-    const bytes key = octets(15);
+    const bytes key = octets(12);
     EXPECT_DEATH(
         {
             EVP_CIPHER_CTX* const ctx = EVP_CIPHER_CTX_new();

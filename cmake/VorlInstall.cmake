@@ -1,0 +1,76 @@
+# What `cmake --install` copies, as components:
+#   runtime        libvorl.so.1, which programs need to run
+#   development    headers, libvorl.so or libvorl.a, the CMake package and vorl.pc
+#   tool           the command-line tool
+#   documentation  the texts and the examples
+option(VORL_INSTALL "Install the library with the project that builds it" ${PROJECT_IS_TOP_LEVEL})
+if(NOT VORL_INSTALL)
+    return()
+endif()
+
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+install(TARGETS vorl EXPORT vorl
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
+    FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development
+    FILE_SET platform_headers DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development)
+
+set(vorl_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/vorl")
+set(vorl_generated_dir "${PROJECT_BINARY_DIR}/install")
+install(EXPORT vorl NAMESPACE vorl:: FILE vorl-targets.cmake
+    DESTINATION "${vorl_package_dir}" COMPONENT development)
+# Who links the library calls OpenSSL through its headers as well, and gets on only with the major version it was built for.
+string(REGEX MATCH "^[0-9]+" vorl_openssl_major "${OPENSSL_VERSION}")
+configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/vorl-config.cmake.in"
+    "${vorl_generated_dir}/vorl-config.cmake"
+    INSTALL_DESTINATION "${vorl_package_dir}"
+    NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file("${vorl_generated_dir}/vorl-config-version.cmake" COMPATIBILITY SameMajorVersion)
+install(FILES "${vorl_generated_dir}/vorl-config.cmake" "${vorl_generated_dir}/vorl-config-version.cmake"
+    DESTINATION "${vorl_package_dir}" COMPONENT development)
+
+# vorl_path_between(FROM TO RESULT): the way from one installed folder to another, which stays the same when both move.
+function(vorl_path_between from to result)
+    cmake_path(ABSOLUTE_PATH from BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" NORMALIZE)
+    cmake_path(ABSOLUTE_PATH to BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" NORMALIZE)
+    cmake_path(RELATIVE_PATH to BASE_DIRECTORY "${from}")
+    set(${result} "${to}" PARENT_SCOPE)
+endfunction()
+
+# vorl_path_from_prefix(DIR RESULT): an installed folder as vorl.pc names it.
+function(vorl_path_from_prefix dir result)
+    if(NOT IS_ABSOLUTE "${dir}")
+        set(dir "\${prefix}/${dir}")
+    endif()
+    set(${result} "${dir}" PARENT_SCOPE)
+endfunction()
+
+set(vorl_pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+vorl_path_between("${vorl_pkgconfig_dir}" "${CMAKE_INSTALL_PREFIX}" vorl_prefix_from_pkgconfig)
+vorl_path_from_prefix("${CMAKE_INSTALL_LIBDIR}" vorl_pc_libdir)
+vorl_path_from_prefix("${CMAKE_INSTALL_INCLUDEDIR}" vorl_pc_includedir)
+configure_file("${PROJECT_SOURCE_DIR}/cmake/vorl.pc.in" "${vorl_generated_dir}/vorl.pc" @ONLY)
+install(FILES "${vorl_generated_dir}/vorl.pc" DESTINATION "${vorl_pkgconfig_dir}" COMPONENT development)
+
+if(TARGET vorl_tool)
+    # The tool looks for the library beside itself, so that it runs from any prefix, also one that is moved or that the
+    # loader's cache does not know yet. Under /usr the loader finds the library, and nothing else should decide.
+    if(BUILD_SHARED_LIBS AND NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+        vorl_path_between("${CMAKE_INSTALL_BINDIR}" "${CMAKE_INSTALL_LIBDIR}" vorl_lib_from_bin)
+        set_target_properties(vorl_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${vorl_lib_from_bin}")
+    endif()
+    install(TARGETS vorl_tool RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tool)
+endif()
+
+install(FILES
+    "${PROJECT_SOURCE_DIR}/README.md"
+    "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+    "${PROJECT_SOURCE_DIR}/SECURITY.md"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation FILES_MATCHING PATTERN "*.md")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
+    REGEX "/examples/CMakeLists\\.txt$" EXCLUDE)

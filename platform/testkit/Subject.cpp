@@ -1,0 +1,142 @@
+#include "Subject.h"
+
+#include "expectations.h"
+
+#include <openssl/evp.h>
+
+#include <algorithm>
+#include <numeric>
+
+namespace vorl::testkit {
+
+using tarvik::crypto::ICipherContext;
+
+namespace {
+
+// NIST SP 800-38A, appendix F, and FIPS-197, appendix B, use the first one; the second is RFC 3602's.
+const unsigned char KEY_VALUES[][BLOCK_BYTES] = {
+    {0x2b, 0x7e, 0x15, 0x16, 0x28, 0xae, 0xd2, 0xa6, 0xab, 0xf7, 0x15, 0x88, 0x09, 0xcf, 0x4f, 0x3c},
+    {0x06, 0xa9, 0x21, 0x40, 0x36, 0xb8, 0xa1, 0x5b, 0x51, 0x2e, 0x03, 0xd5, 0x34, 0x12, 0x00, 0x06},
+};
+
+bytes valueNamed(KeyName name) {
+    return bytes(std::begin(KEY_VALUES[name]), std::end(KEY_VALUES[name]));
+}
+
+}  // namespace
+
+Subject::Subject(const Platform& platform) : platform_(platform) {
+    doing("init()", platform.init);
+    require(
+        platform.provision || (platform.ownKeys.size() >= 2 && platform.ownKeys[0] != platform.ownKeys[1]),
+        "The platform is described without a way to provision keys and without two keys of its own");
+}
+
+void Subject::needsKnownKeys() const {
+    if (!platform_.provision) {
+        throw LeftOut("The platform has only keys of its own, and this takes one of known value");
+    }
+}
+
+bytes Subject::key(KeyName name) const {
+    return platform_.provision ? provisioned(valueNamed(name)) : platform_.ownKeys[name];
+}
+
+bytes Subject::provisioned(const bytes& value) const {
+    return doing("provision()", [&] { return platform_.provision(value); });
+}
+
+std::optional<bytes> Subject::valueOf(KeyName name) const {
+    return platform_.provision ? std::optional<bytes>(valueNamed(name)) : std::nullopt;
+}
+
+std::shared_ptr<ICipherContext> Subject::context(const Mode& mode, KeyName name) const {
+    return contextFor(mode, key(name));
+}
+
+std::shared_ptr<ICipherContext> Subject::contextFor(const Mode& mode, const bytes& key) const {
+    const std::string subject = std::string("cryptContext() for ") + mode.name;
+    const auto contexts = doing(subject, [&] { return platform_.cryptContext(mode.spec, key); });
+    require(contexts.first != nullptr, subject + " returns a null cipher context");
+    return contexts.first;
+}
+
+bytes Subject::sealed(const Mode& mode, KeyName name, const bytes& iv, const bytes& plain) const {
+    if (const std::optional<bytes> value = valueOf(name)) {
+        return rawSealed(mode, *value, iv, plain);
+    }
+    return doing(operation(mode, Direction::ENCRYPT, plain.size()),
+                 [&] { return operate(*context(mode, name), Direction::ENCRYPT, iv, plain); });
+}
+
+void Subject::expectSealed(const std::string& subject, const Mode& mode, KeyName name, const bytes& iv,
+                           const bytes& plain, const bytes& ciphertext) const {
+    require(ciphertext.size() == (plain.size() / BLOCK_BYTES + 1) * BLOCK_BYTES,
+            subject + " yields " + std::to_string(ciphertext.size()) + " bytes");
+    if (valueOf(name)) {
+        require(ciphertext == sealed(mode, name, iv, plain), subject + " yields a wrong ciphertext");
+        return;
+    }
+    require(doing(subject + " and decrypting the result",
+                  [&] { return operate(*context(mode, name), Direction::DECRYPT, iv, ciphertext); }) == plain,
+            subject + " yields a ciphertext that opens to something else");
+}
+
+bytes octets(std::size_t n) {
+    bytes pattern(n);
+    for (std::size_t i = 0; i < n; ++i) {
+        pattern[i] = static_cast<unsigned char>(i * 31 + (i >> 8) * 7 + 1);
+    }
+    return pattern;
+}
+
+bytes ivOf(const Mode& mode, unsigned char first) {
+    bytes iv(mode.hasIv ? BLOCK_BYTES : 0);
+    std::iota(iv.begin(), iv.end(), first);
+    return iv;
+}
+
+bytes rawSealed(const Mode& mode, const bytes& key, const bytes& iv, const bytes& plain) {
+    const std::unique_ptr<EVP_CIPHER_CTX, decltype(&EVP_CIPHER_CTX_free)> ctx(EVP_CIPHER_CTX_new(),
+                                                                              EVP_CIPHER_CTX_free);
+    const EVP_CIPHER* const cipher = mode.hasIv ? EVP_aes_128_cbc() : EVP_aes_128_ecb();
+    bytes out(plain.size() + 2 * BLOCK_BYTES);
+    int updated = 0;
+    int finished = 0;
+    if (!ctx ||
+        EVP_EncryptInit_ex(ctx.get(), cipher, nullptr, key.data(), mode.hasIv ? iv.data() : nullptr) != 1 ||
+        EVP_EncryptUpdate(ctx.get(), out.data(), &updated, plain.data(), static_cast<int>(plain.size())) !=
+            1 ||
+        EVP_EncryptFinal_ex(ctx.get(), out.data() + updated, &finished) != 1) {
+        throw Failure("OpenSSL, whose results the platform's are compared with, does not encrypt");
+    }
+    out.resize(static_cast<std::size_t>(updated) + static_cast<std::size_t>(finished));
+    return out;
+}
+
+void init(ICipherContext& context, Direction direction, const bytes& iv) {
+    if (direction == Direction::ENCRYPT) {
+        context.encryptInit(iv);
+    } else {
+        context.decryptInit(iv);
+    }
+}
+
+bytes finish(ICipherContext& context, const bytes& data) {
+    bytes out = context.update(data);
+    const bytes rest = context.final();
+    out.insert(out.end(), rest.begin(), rest.end());
+    return out;
+}
+
+bytes operate(ICipherContext& context, Direction direction, const bytes& iv, const bytes& data) {
+    init(context, direction, iv);
+    return finish(context, data);
+}
+
+std::string operation(const Mode& mode, Direction direction, std::size_t size) {
+    return std::string(mode.name) + ": " + (direction == Direction::ENCRYPT ? "encrypting " : "decrypting ") +
+           std::to_string(size) + " bytes";
+}
+
+}  // namespace vorl::testkit

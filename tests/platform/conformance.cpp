@@ -1,0 +1,13 @@
+#include "platform_under_test.h"
+
+#include <vorl/testkit/gtest.h>
+
+// The kit, on the platform in the library.
+
+int main(int argc, char** argv) {
+    ::testing::InitGoogleTest(&argc, argv);
+    vorl::testkit::Platform platform = vorl::testkit::linkedPlatform();
+    platform.provision = vorl::test::keyFor;
+    vorl::testkit::registerTests(platform);
+    return RUN_ALL_TESTS();
+}

@@ -19,6 +19,14 @@ if(VORL_COVERAGE)
         USES_TERMINAL VERBATIM)
 endif()
 
+# Counts which lines of a target run. Those of the library alone: what else is compiled would only take longer.
+function(vorl_count_lines target)
+    if(VORL_COVERAGE)
+        target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)
+        target_link_options(${target} PUBLIC $<BUILD_INTERFACE:--coverage>)
+    endif()
+endfunction()
+
 # Names a program that the tests run, so that it is built before they are counted.
 function(vorl_run_for_coverage target)
     if(TARGET coverage)

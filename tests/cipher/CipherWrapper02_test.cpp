@@ -4,6 +4,7 @@
 #include "messageOf.h"
 #include "message_sizes.h"
 #include "octets.h"
+#include "sample_key.h"
 #include "vorl/CipherSpec.h"
 #include "vorl/SoftwareKeyCipher.h"
 #include "vorl/VORLException.h"
@@ -13,8 +14,6 @@
 namespace vorl::test {
 
 namespace {
-
-const bytes KEY = fromHex("2b7e151628aed2a6abf7158809cf4f3c");
 
 class CipherWrapper02Test : public StartedLibrary {
 protected:

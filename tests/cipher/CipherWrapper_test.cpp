@@ -5,9 +5,11 @@
 #include "block_encoder.h"
 #include "cipher_contexts.h"
 #include "messageOf.h"
+#include "message_sizes.h"
 #include "octets.h"
 #include "raw_cipher.h"
 #include "raw_openssl.h"
+#include "sample_key.h"
 #include "vorl/ASN1Exception.h"
 #include "vorl/Buffer.h"
 #include "vorl/CipherAlgo.h"
@@ -40,9 +42,6 @@ namespace {
 using tarvik::crypto::ICipherContext;
 using Wrapper = std::shared_ptr<const CipherWrapper>;
 
-const bytes KEY = fromHex("2b7e151628aed2a6abf7158809cf4f3c");
-const bytes IV = fromHex("000102030405060708090a0b0c0d0e0f");
-
 const char NOT_INITIALIZED[] = "CipherWrapper must be initialized before use";
 const char LIBRARY_NOT_INITIALIZED[] = "VORLLib must be initialized before use";
 const char SPEC_MISMATCH[] = "Cipher spec mismatch between cipher and wrapper";
@@ -54,11 +53,6 @@ bytes fullEnvelope(const bytes& iv, const bytes& body) {
 
 bytes testEnvelope(const bytes& body) {
     return bytes{0x01} + block(body);
-}
-
-// Where the ciphertext of a full envelope of less than 16384 octets begins, and the IV before it.
-bytes ivOf(const bytes& envelope) {
-    return slice(envelope, 2, 16);
 }
 
 // Not an object, which would make them all before the first test.
@@ -92,9 +86,9 @@ private:
     const std::shared_ptr<const CipherSpec> ownSpec_;
 };
 
-std::shared_ptr<const CipherSpec> ownSpec(const EVP_CIPHER* cipher, unsigned int keySize,
-                                          unsigned int blockSize, unsigned int ivSize,
-                                          unsigned int number = 9) {
+std::shared_ptr<const CipherSpec> wrapperSpec(const EVP_CIPHER* cipher, unsigned int keySize,
+                                              unsigned int blockSize, unsigned int ivSize,
+                                              unsigned int number = 9) {
     return std::make_shared<const CipherSpec>(static_cast<ICipherContext::Spec>(number), CipherAlgo::AES(),
                                               ivSize == 0 ? CipherMode::ECB() : CipherMode::CBC(),
                                               PaddingType::PKCS5Padding(), keySize, blockSize, ivSize,
@@ -713,7 +707,7 @@ const std::size_t SOME_SIZES[] = {0, 1, 15, 16, 17, 100, 8191, 8192, 8193, 16400
 }  // namespace
 
 TEST_P(CipherWrapperOwnConfiguration, IsUsedAsItIs) {
-    SoftwareKeyCipher cipher(ownSpec(cipher_, GetParam().keySize, GetParam().blockSize, 16, 2), key_);
+    SoftwareKeyCipher cipher(wrapperSpec(cipher_, GetParam().keySize, GetParam().blockSize, 16, 2), key_);
     for (const std::size_t size : SOME_SIZES) {
         const bytes envelope = CipherWrapper::FULL_CIPHER()->encrypt(octets(size), cipher);
         const bytes expected = fullEnvelope(ivOf(envelope), raw(ivOf(envelope), octets(size)));
@@ -727,7 +721,7 @@ TEST_P(CipherWrapperOwnConfiguration, IsUsedAsItIs) {
 
 // The same under a wrapper whose spec is the very one that the cipher is bound to.
 TEST_P(CipherWrapperOwnConfiguration, IsUsedAsItIsUnderAnOwnWrapper) {
-    const auto spec = ownSpec(cipher_, GetParam().keySize, GetParam().blockSize, 16);
+    const auto spec = wrapperSpec(cipher_, GetParam().keySize, GetParam().blockSize, 16);
     const OwnWrapper wrapper("Own", 0x7f, spec);
     SoftwareKeyCipher cipher(spec, key_);
     for (const std::size_t size : SOME_SIZES) {
@@ -746,7 +740,7 @@ INSTANTIATE_TEST_SUITE_P(Specs, CipherWrapperOwnConfiguration, ::testing::Values
                          [](const auto& test) { return test.param.name; });
 
 TEST_F(CipherWrapperTest, OwnWrapperWritesItsVersionAndIv) {
-    const OwnWrapper wrapper("Own", 0x7f, ownSpec(EVP_aes_128_cbc(), 16, 16, 16));
+    const OwnWrapper wrapper("Own", 0x7f, wrapperSpec(EVP_aes_128_cbc(), 16, 16, 16));
     RecordingContext context(9);
     context.updateOutput = octets(7);
     const bytes envelope = wrapper.encrypt(octets(5), context);
@@ -760,7 +754,7 @@ TEST_F(CipherWrapperTest, OwnWrapperWritesItsVersionAndIv) {
 
 TEST_F(CipherWrapperTest, OwnWrapperMayTakeAnIvOfAnyLength) {
     for (const unsigned int size : {1U, 8U, 17U, 32U, 127U, 128U, 300U, 16385U}) {
-        const auto spec = ownSpec(EVP_aes_128_cbc(), 16, 16, size);
+        const auto spec = wrapperSpec(EVP_aes_128_cbc(), 16, 16, size);
         const OwnWrapper wrapper("Own", 0x7f, spec);
         SoftwareKeyCipher own(spec, KEY);
         RecordingContext foreign(9);
@@ -788,7 +782,7 @@ TEST_F(CipherWrapperTest, OwnWrapperMayTakeAnIvOfAnyLength) {
 }
 
 TEST_F(CipherWrapperTest, OwnWrapperOfASmallerBlockIsPaddedToIt) {
-    const auto spec = ownSpec(EVP_des_ede3_cbc(), 24, 8, 8);
+    const auto spec = wrapperSpec(EVP_des_ede3_cbc(), 24, 8, 8);
     const OwnWrapper wrapper("Own", 0x7f, spec);
     const bytes key = octets(24);
     SoftwareKeyCipher cipher(spec, key);

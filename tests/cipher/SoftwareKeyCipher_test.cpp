@@ -5,6 +5,7 @@
 #include "octets.h"
 #include "raw_cipher.h"
 #include "raw_openssl.h"
+#include "sample_key.h"
 #include "vorl/CipherAlgo.h"
 #include "vorl/CipherMode.h"
 #include "vorl/CipherSpec.h"
@@ -30,16 +31,11 @@ namespace {
 using tarvik::crypto::ICipherContext;
 
 // NIST SP 800-38A, appendix F.
-const bytes NIST_KEY_128 = fromHex("2b7e151628aed2a6abf7158809cf4f3c");
 const bytes NIST_KEY_256 = fromHex("603deb1015ca71be2b73aef0857d77811f352c073b6108d72d9810a30914dff4");
-const bytes NIST_IV = fromHex("000102030405060708090a0b0c0d0e0f");
 const bytes NIST_COUNTER = fromHex("f0f1f2f3f4f5f6f7f8f9fafbfcfdfeff");
 const bytes NIST_PLAIN = fromHex(
     "6bc1bee22e409f96e93d7e117393172a ae2d8a571e03ac9c9eb76fac45af8e51"
     "30c81c46a35ce411e5fbc1191a0a52ef f69f2445df4f9b17ad2b417be66c3710");
-
-const bytes KEY = NIST_KEY_128;
-const bytes IV = NIST_IV;
 
 std::shared_ptr<const CipherSpec> ecb() {
     return CipherSpec::AES_128_ECB_PKCS5();
@@ -115,26 +111,26 @@ TEST_F(SoftwareKeyCipherTest, EncryptsTheExampleOfFips197) {
 
 // SP 800-38A, F.1.1 and F.2.1; the padding is the only block that is not in the standard.
 TEST_F(SoftwareKeyCipherTest, EncryptsTheEcbBlocksOfSp80038A) {
-    SoftwareKeyCipher cipher(ecb(), NIST_KEY_128);
+    SoftwareKeyCipher cipher(ecb(), KEY);
     cipher.encryptInit({});
     EXPECT_EQ(cipher.update(NIST_PLAIN),
               fromHex("3ad77bb40d7a3660a89ecaf32466ef97 f5d3d58503b9699de785895a96fdbaaf"
                       "43b1cd7f598ece23881b00e3ed030688 7b0c785e27e8ad3f8223207104725dd4"));
-    EXPECT_EQ(cipher.final(), slice(rawEncrypt(NIST_KEY_128, {}, NIST_PLAIN), 64, 16));
+    EXPECT_EQ(cipher.final(), slice(rawEncrypt(KEY, {}, NIST_PLAIN), 64, 16));
 }
 
 TEST_F(SoftwareKeyCipherTest, EncryptsTheCbcBlocksOfSp80038A) {
-    SoftwareKeyCipher cipher(cbc(), NIST_KEY_128);
-    cipher.encryptInit(NIST_IV);
+    SoftwareKeyCipher cipher(cbc(), KEY);
+    cipher.encryptInit(IV);
     EXPECT_EQ(cipher.update(NIST_PLAIN),
               fromHex("7649abac8119b246cee98e9b12e9197d 5086cb9b507219ee95db113a917678b2"
                       "73bed6b8e3c1743b7116e69e22229516 3ff1caa1681fac09120eca307586e1a7"));
-    EXPECT_EQ(cipher.final(), slice(rawEncrypt(NIST_KEY_128, NIST_IV, NIST_PLAIN), 64, 16));
+    EXPECT_EQ(cipher.final(), slice(rawEncrypt(KEY, IV, NIST_PLAIN), 64, 16));
 }
 
 // SP 800-38A, F.5.1: a configuration that is not the library's own, without padding.
 TEST_F(SoftwareKeyCipherTest, EncryptsTheCounterBlocksOfSp80038A) {
-    SoftwareKeyCipher cipher(ownSpec(EVP_aes_128_ctr(), 16, 16, 16), NIST_KEY_128);
+    SoftwareKeyCipher cipher(ownSpec(EVP_aes_128_ctr(), 16, 16, 16), KEY);
     const bytes encrypted = fromHex(
         "874d6191b620e3261bef6864990db6ce 9806f66b7970fdff8617187bb9fffdff"
         "5ae4df3edbd5d35e5b4f09020db03eab 1e031dda2fbe03d1792170a0f3009cee");
@@ -148,7 +144,7 @@ TEST_F(SoftwareKeyCipherTest, EncryptsTheCounterBlocksOfSp80038A) {
 // SP 800-38A, F.2.5.
 TEST_F(SoftwareKeyCipherTest, EncryptsTheCbcBlocksOfALongerKey) {
     SoftwareKeyCipher cipher(ownSpec(EVP_aes_256_cbc(), 32, 16, 16), NIST_KEY_256);
-    cipher.encryptInit(NIST_IV);
+    cipher.encryptInit(IV);
     EXPECT_EQ(cipher.update(NIST_PLAIN),
               fromHex("f58c4c04d6e5f1ba779eabfb5f7bfbd6 9cfc4e967edb808d679f777bc6702c7d"
                       "39f23369a9d9bacfa530e26304231461 b2eb05e2c39be9fcda6c19078c6a9d1b"));
@@ -316,7 +312,7 @@ TEST_F(SoftwareKeyCipherTest, ListFormsMeanAVector) {
     SoftwareKeyCipher cipher(cbc(), KEY);
     cipher.encryptInit({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15});
     const bytes encrypted = finishWith(cipher, octets(33));
-    EXPECT_EQ(encrypted, rawEncrypt(KEY, NIST_IV, octets(33)));
+    EXPECT_EQ(encrypted, rawEncrypt(KEY, IV, octets(33)));
 
     cipher.decryptInit({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15});
     EXPECT_EQ(finishWith(cipher, encrypted), octets(33));

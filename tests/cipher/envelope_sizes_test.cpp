@@ -4,6 +4,7 @@
 #include "messageOf.h"
 #include "message_sizes.h"
 #include "octets.h"
+#include "sample_key.h"
 #include "vorl/ASN1Exception.h"
 #include "vorl/CipherSpec.h"
 #include "vorl/CipherWrapper.h"
@@ -20,9 +21,6 @@ namespace vorl::test {
 namespace {
 
 using tarvik::crypto::ICipherContext;
-
-const bytes KEY = fromHex("2b7e151628aed2a6abf7158809cf4f3c");
-const bytes IV = fromHex("000102030405060708090a0b0c0d0e0f");
 
 struct Way {
     const char* name;

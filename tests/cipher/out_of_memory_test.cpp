@@ -3,6 +3,7 @@
 #include "messageOf.h"
 #include "octets.h"
 #include "raw_openssl.h"
+#include "sample_key.h"
 #include "vorl/CipherSpec.h"
 #include "vorl/OpenSSLException.h"
 #include "vorl/SoftwareKeyCipher.h"
@@ -19,9 +20,6 @@
 namespace vorl::test {
 
 namespace {
-
-const bytes KEY = fromHex("2b7e151628aed2a6abf7158809cf4f3c");
-const bytes IV = fromHex("000102030405060708090a0b0c0d0e0f");
 
 bytes encryptWith(SoftwareKeyCipher& cipher, const bytes& data) {
     cipher.encryptInit(IV);

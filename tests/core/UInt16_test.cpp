@@ -13,13 +13,13 @@
 namespace vorl::test {
 namespace {
 
-struct WireCase {
+struct UInt16Case {
     const char* name;
     unsigned short value;
     bytes wire;
 };
 
-const WireCase WIRES[] = {
+const UInt16Case UINT16_WIRES[] = {
     {"Zero", 0, {0x00, 0x00}},           {"One", 1, {0x00, 0x01}},
     {"LowByteFull", 0xff, {0x00, 0xff}}, {"HighByteOne", 0x100, {0x01, 0x00}},
     {"Example", 0x1234, {0x12, 0x34}},   {"BelowTheSign", 0x7fff, {0x7f, 0xff}},
@@ -27,7 +27,7 @@ const WireCase WIRES[] = {
     {"Largest", 0xffff, {0xff, 0xff}},
 };
 
-class UInt16Wire : public ::testing::TestWithParam<WireCase> {};
+class UInt16Wire : public ::testing::TestWithParam<UInt16Case> {};
 
 TEST_P(UInt16Wire, IsWrittenMostSignificantByteFirst) {
     Buffer b(bytes{0x55});
@@ -47,7 +47,7 @@ TEST_P(UInt16Wire, IsReadMostSignificantByteFirst) {
     EXPECT_EQ(UInt16::decodeBytes(GetParam().wire), GetParam().value);
 }
 
-INSTANTIATE_TEST_SUITE_P(Values, UInt16Wire, ::testing::ValuesIn(WIRES),
+INSTANTIATE_TEST_SUITE_P(Values, UInt16Wire, ::testing::ValuesIn(UINT16_WIRES),
                          [](const auto& test) { return test.param.name; });
 
 TEST(UInt16, ExhaustsABufferOfTwoBytes) {

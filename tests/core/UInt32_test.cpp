@@ -13,13 +13,13 @@
 namespace vorl::test {
 namespace {
 
-struct WireCase {
+struct UInt32Case {
     const char* name;
     unsigned int value;
     bytes wire;
 };
 
-const WireCase WIRES[] = {
+const UInt32Case UINT32_WIRES[] = {
     {"Zero", 0, {0x00, 0x00, 0x00, 0x00}},
     {"One", 1, {0x00, 0x00, 0x00, 0x01}},
     {"SecondByte", 0x100, {0x00, 0x00, 0x01, 0x00}},
@@ -32,7 +32,7 @@ const WireCase WIRES[] = {
     {"Largest", 0xffffffff, {0xff, 0xff, 0xff, 0xff}},
 };
 
-class UInt32Wire : public ::testing::TestWithParam<WireCase> {};
+class UInt32Wire : public ::testing::TestWithParam<UInt32Case> {};
 
 TEST_P(UInt32Wire, IsWrittenMostSignificantByteFirst) {
     Buffer b(bytes{0x55});
@@ -52,7 +52,7 @@ TEST_P(UInt32Wire, IsReadMostSignificantByteFirst) {
     EXPECT_EQ(UInt32::decodeBytes(GetParam().wire), GetParam().value);
 }
 
-INSTANTIATE_TEST_SUITE_P(Values, UInt32Wire, ::testing::ValuesIn(WIRES),
+INSTANTIATE_TEST_SUITE_P(Values, UInt32Wire, ::testing::ValuesIn(UINT32_WIRES),
                          [](const auto& test) { return test.param.name; });
 
 TEST(UInt32, IsRefusedByTooFewUnreadBytesAndLeavesThem) {

@@ -32,8 +32,6 @@ static_assert(!std::is_polymorphic_v<Digester>);
 static_assert(!std::is_copy_constructible_v<Digester>);
 static_assert(!std::is_copy_assignable_v<Digester>);
 
-const std::string VECTORS = VORL_TEST_VECTORS;
-
 // FIPS 180-4: "abc" under SHA-256.
 const bytes ABC = fromText("abc");
 const bytes ABC_SHA256 = fromHex("ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
@@ -60,7 +58,7 @@ protected:
     // How many vectors of the file are of this algorithm, each of which has been compared.
     static int compareWith(const std::string& file) {
         int compared = 0;
-        forEachVector(VECTORS + "/" + file, [&](TestVector& vector) {
+        forEachVector(VORL_TEST_VECTORS "/" + file, [&](TestVector& vector) {
             const bytes message = vector.octets("Msg");
             const bytes digest = vector.octets("MD");
             if (vector.text("Algorithm") != GetParam().name) {

@@ -42,8 +42,6 @@ static_assert(!std::is_polymorphic_v<HMAC>);
 static_assert(!std::is_copy_constructible_v<HMAC>);
 static_assert(!std::is_copy_assignable_v<HMAC>);
 
-const std::string VECTORS = VORL_TEST_VECTORS;
-
 // RFC 4231, section 4.3.
 const bytes JEFE = fromText("Jefe");
 const bytes QUESTION = fromText("what do ya want for nothing?");
@@ -62,7 +60,7 @@ bytes codeOf(const std::shared_ptr<const DigestAlgo>& algo, const bytes& key, co
 }
 
 void expectVectors(const std::string& file, std::size_t count) {
-    const std::size_t compared = forEachVector(VECTORS + "/" + file, [](TestVector& vector) {
+    const std::size_t compared = forEachVector(VORL_TEST_VECTORS "/" + file, [](TestVector& vector) {
         const DigestAlgoCase& algo = digestAlgoNamed(vector.text("Algorithm"));
         const bytes key = vector.octets("Key");
         const bytes data = vector.octets("Data");

@@ -1,5 +1,6 @@
 #include "vorl/Random.h"
 
+#include "errorStackOf.h"
 #include "error_queue.h"
 #include "messageOf.h"
 #include "octets.h"
@@ -82,17 +83,6 @@ protected:
 private:
     const RAND_METHOD* methodBefore_ = nullptr;
 };
-
-// The error stack of the OpenSSLException that the action throws.
-template <typename Action>
-std::string errorStackOf(Action&& action) {
-    try {
-        action();
-    } catch (const OpenSSLException& e) {
-        return e.errorStack();
-    }
-    return "<no OpenSSLException>";
-}
 
 }  // namespace
 

@@ -8,6 +8,7 @@
 #include "message_sizes.h"
 #include "octets.h"
 #include "raw_base64.h"
+#include "sample_key.h"
 #include "vorl/ASN1Exception.h"
 #include "vorl/OpenSSLException.h"
 #include "vorl/VORLException.h"
@@ -31,8 +32,6 @@ namespace {
 using tarvik::http::IHttpStream;
 using Type = std::shared_ptr<const EncryptionType>;
 
-const bytes KEY = fromHex("2b7e151628aed2a6abf7158809cf4f3c");
-const bytes IV = fromHex("000102030405060708090a0b0c0d0e0f");
 const char SPEC_MISMATCH[] = "Cipher spec mismatch between cipher and wrapper";
 
 class VorlContextTest : public StartedLibrary {

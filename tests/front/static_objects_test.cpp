@@ -2,6 +2,7 @@
 #include "octets.h"
 #include "raw_base64.h"
 #include "raw_openssl.h"
+#include "sample_key.h"
 #include "vorl/Buffer.h"
 #include "vorl/CipherSpec.h"
 #include "vorl/EncryptionType.h"
@@ -28,8 +29,6 @@
 namespace vorl::test {
 
 namespace {
-
-const bytes KEY = fromHex("2b7e151628aed2a6abf7158809cf4f3c");
 
 // Defined behind the object that reads them, so that they hold their values then only if nothing runs to make
 // them.

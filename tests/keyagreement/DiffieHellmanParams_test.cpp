@@ -64,7 +64,7 @@ bytes encoded(const DiffieHellmanParams& params) {
     return out.toByteArray();
 }
 
-std::unique_ptr<DiffieHellmanParams> decoded(const bytes& blocks) {
+std::unique_ptr<DiffieHellmanParams> decodedParams(const bytes& blocks) {
     Buffer in(blocks);
     return DiffieHellmanParams::decode(in);
 }
@@ -133,7 +133,7 @@ TEST_P(DiffieHellmanParamsGroup, IsTheSameFromEverySource) {
     EXPECT_EQ(encoded(DiffieHellmanParams(der.data(), static_cast<unsigned int>(der.size()))), blocks);
     EXPECT_EQ(encoded(DiffieHellmanParams(pemOf("DH PARAMETERS", der))), blocks);
     EXPECT_EQ(encoded(DiffieHellmanParams(rawDh(group))), blocks);
-    EXPECT_EQ(encoded(*decoded(blocks)), blocks);
+    EXPECT_EQ(encoded(*decodedParams(blocks)), blocks);
 }
 
 INSTANTIATE_TEST_SUITE_P(Groups, DiffieHellmanParamsGroup, ::testing::ValuesIn(GROUPS),
@@ -608,29 +608,29 @@ TEST_F(DiffieHellmanParamsEncoding, HasTheBytesThatTheFormatSays) {
     EXPECT_EQ(slice(out, 0, 4), fromHex("8080ffff"));
     EXPECT_EQ(slice(out, 128, 4), fromHex("ffff0102"));
     EXPECT_EQ(out.size(), 132U);
-    EXPECT_EQ(encoded(*decoded(fromHex("01170105"))), fromHex("01170105"));
+    EXPECT_EQ(encoded(*decodedParams(fromHex("01170105"))), fromHex("01170105"));
 }
 
 TEST_F(DiffieHellmanParamsEncoding, LosesLeadingZeros) {
-    EXPECT_EQ(encoded(*decoded(fromHex("03 000017 02 0005"))), fromHex("0117 0105"));
-    EXPECT_EQ(encoded(*decoded(fromHex("03 000080 03 008000"))), fromHex("0180 028000"));
+    EXPECT_EQ(encoded(*decodedParams(fromHex("03 000017 02 0005"))), fromHex("0117 0105"));
+    EXPECT_EQ(encoded(*decodedParams(fromHex("03 000080 03 008000"))), fromHex("0180 028000"));
 }
 
 TEST_F(DiffieHellmanParamsEncoding, DoesNotWriteAZero) {
-    const std::unique_ptr<DiffieHellmanParams> zeros = decoded(fromHex("00 02 0000"));
+    const std::unique_ptr<DiffieHellmanParams> zeros = decodedParams(fromHex("00 02 0000"));
     EXPECT_EQ(encoded(*zeros), bytes());
     EXPECT_EQ(DiffieHellmanParams(*zeros), *zeros);
-    EXPECT_EQ(*zeros, *decoded(fromHex("0100 00")));
-    EXPECT_EQ(encoded(*decoded(fromHex("00 0105"))), fromHex("0105"));
+    EXPECT_EQ(*zeros, *decodedParams(fromHex("0100 00")));
+    EXPECT_EQ(encoded(*decodedParams(fromHex("00 0105"))), fromHex("0105"));
 }
 
-struct CutCase {
+struct ParamsCutCase {
     const char* name;
     bytes blocks;
     const char* message;
 };
 
-const CutCase CUTS[] = {
+const ParamsCutCase PARAMS_CUTS[] = {
     {"Nothing", {}, "index out of bounds: read index(0) >= write index(0)"},
     {"LengthOfThePrime", {0x01}, "Unable to read 1 bytes from buffer, only 0 available"},
     {"FirstByteOfALength", {0x80}, "index out of bounds: read index(1) >= write index(1)"},
@@ -642,31 +642,31 @@ const CutCase CUTS[] = {
 };
 
 class DiffieHellmanParamsCut : public DiffieHellmanParamsTest,
-                               public ::testing::WithParamInterface<CutCase> {};
+                               public ::testing::WithParamInterface<ParamsCutCase> {};
 
 TEST_P(DiffieHellmanParamsCut, IsRefusedInTheWordsOfTheBlock) {
-    EXPECT_EQ(messageOf<ASN1Exception>([] { decoded(GetParam().blocks); }), GetParam().message);
+    EXPECT_EQ(messageOf<ASN1Exception>([] { decodedParams(GetParam().blocks); }), GetParam().message);
     EXPECT_EQ(takeErrorQueue(), ErrorCodes());
 }
 
-INSTANTIATE_TEST_SUITE_P(Blocks, DiffieHellmanParamsCut, ::testing::ValuesIn(CUTS),
+INSTANTIATE_TEST_SUITE_P(Blocks, DiffieHellmanParamsCut, ::testing::ValuesIn(PARAMS_CUTS),
                          [](const auto& test) { return test.param.name; });
 
 TEST_F(DiffieHellmanParamsEncoding, CutShortAnywhereIsRefused) {
     const bytes whole = blocksOf(RFC_2409_GROUP);
     for (std::size_t size = 0; size < whole.size(); ++size) {
-        EXPECT_THROW(decoded(slice(whole, 0, size)), ASN1Exception) << size;
+        EXPECT_THROW(decodedParams(slice(whole, 0, size)), ASN1Exception) << size;
     }
 }
 
 // Comparing and printing.
 
 TEST_F(DiffieHellmanParamsTest, AreEqualWithTheSamePrimeAndTheSameGenerator) {
-    const std::unique_ptr<DiffieHellmanParams> params = decoded(fromHex("0117 0105"));
-    const std::unique_ptr<DiffieHellmanParams> same = decoded(fromHex("0117 0105"));
-    const std::unique_ptr<DiffieHellmanParams> otherPrime = decoded(fromHex("012f 0105"));
-    const std::unique_ptr<DiffieHellmanParams> otherGenerator = decoded(fromHex("0117 0102"));
-    const std::unique_ptr<DiffieHellmanParams> swapped = decoded(fromHex("0105 0117"));
+    const std::unique_ptr<DiffieHellmanParams> params = decodedParams(fromHex("0117 0105"));
+    const std::unique_ptr<DiffieHellmanParams> same = decodedParams(fromHex("0117 0105"));
+    const std::unique_ptr<DiffieHellmanParams> otherPrime = decodedParams(fromHex("012f 0105"));
+    const std::unique_ptr<DiffieHellmanParams> otherGenerator = decodedParams(fromHex("0117 0102"));
+    const std::unique_ptr<DiffieHellmanParams> swapped = decodedParams(fromHex("0105 0117"));
 
     EXPECT_TRUE(*params == *params);
     EXPECT_TRUE(*params == *same);
@@ -686,7 +686,7 @@ TEST_F(DiffieHellmanParamsTest, PrintBothNumbers) {
               "        f7:3f:72:25:8f:5f:cd:65:e8:4d:93:64:c8:47:f4:6b:9d:37:aa:8a:da:26:38:81\n"
               "        47:4f:bf:7a:31:c0:35:fe:47:ae:2d:42:14:37:da:87\n"
               "    generator:  02\n");
-    EXPECT_EQ(decoded(fromHex("0117 00"))->toString(),
+    EXPECT_EQ(decodedParams(fromHex("0117 00"))->toString(),
               "Diffie-Hellman-Parameters:\n"
               "    prime:  17\n"
               "    generator:  (NULL)");

@@ -41,7 +41,7 @@ bytes encoded(const DiffieHellman& pair) {
     return out.toByteArray();
 }
 
-std::unique_ptr<DiffieHellman> decoded(const bytes& blocks) {
+std::unique_ptr<DiffieHellman> decodedPair(const bytes& blocks) {
     Buffer in(blocks);
     return DiffieHellman::decode(in);
 }
@@ -562,7 +562,7 @@ TEST_F(DiffieHellmanEncoding, IsAppendedAndItsDecodingLeavesTheRest) {
 TEST_F(DiffieHellmanEncoding, IsReadBackToAnEqualPair) {
     const std::unique_ptr<DiffieHellman> pair =
         DiffieHellman::generate(DiffieHellmanParams(rawDh(RFC_2409_GROUP)));
-    const std::unique_ptr<DiffieHellman> back = decoded(encoded(*pair));
+    const std::unique_ptr<DiffieHellman> back = decodedPair(encoded(*pair));
     EXPECT_EQ(*back, *pair);
     EXPECT_EQ(back->getPubKey(), pair->getPubKey());
     const bytes peer = textOfNumber(peerPublicNumber().get());
@@ -570,32 +570,32 @@ TEST_F(DiffieHellmanEncoding, IsReadBackToAnEqualPair) {
 }
 
 TEST_F(DiffieHellmanEncoding, IsReadAsItIs) {
-    EXPECT_EQ(encoded(*decoded(blocks_)), blocks_);
-    EXPECT_EQ(encoded(*decoded(fromHex("0117 0105 0109 0106"))), fromHex("0117 0105 0109 0106"))
+    EXPECT_EQ(encoded(*decodedPair(blocks_)), blocks_);
+    EXPECT_EQ(encoded(*decodedPair(fromHex("0117 0105 0109 0106"))), fromHex("0117 0105 0109 0106"))
         << "keys that do not fit";
-    EXPECT_EQ(encoded(*decoded(fromHex("020017 020005 03000080 020006"))), fromHex("0117 0105 0180 0106"))
+    EXPECT_EQ(encoded(*decodedPair(fromHex("020017 020005 03000080 020006"))), fromHex("0117 0105 0180 0106"))
         << "leading zeros";
 }
 
 TEST_F(DiffieHellmanEncoding, DoesNotWriteAZero) {
-    EXPECT_EQ(encoded(*decoded(fromHex("0117 0105 00 0106"))), fromHex("0117 0105 0106"));
-    EXPECT_EQ(encoded(*decoded(fromHex("00 00 0100 00"))), bytes());
+    EXPECT_EQ(encoded(*decodedPair(fromHex("0117 0105 00 0106"))), fromHex("0117 0105 0106"));
+    EXPECT_EQ(encoded(*decodedPair(fromHex("00 00 0100 00"))), bytes());
 }
 
 TEST_F(DiffieHellmanEncoding, CutShortAnywhereIsRefused) {
     for (std::size_t size = 0; size < blocks_.size(); ++size) {
-        EXPECT_THROW(decoded(slice(blocks_, 0, size)), ASN1Exception) << size;
+        EXPECT_THROW(decodedPair(slice(blocks_, 0, size)), ASN1Exception) << size;
     }
     EXPECT_EQ(takeErrorQueue(), ErrorCodes());
 }
 
-struct CutCase {
+struct PairCutCase {
     const char* name;
     bytes blocks;
     const char* message;
 };
 
-const CutCase CUTS[] = {
+const PairCutCase PAIR_CUTS[] = {
     {"Nothing", {}, "index out of bounds: read index(0) >= write index(0)"},
     {"Prime", {0x03, 0x17}, "Unable to read 3 bytes from buffer, only 1 available"},
     {"Generator", {0x01, 0x17}, "index out of bounds: read index(2) >= write index(2)"},
@@ -608,23 +608,23 @@ const CutCase CUTS[] = {
      "Unknown ASN.1 length value: b11000000"},
 };
 
-class DiffieHellmanCut : public DiffieHellmanTest, public ::testing::WithParamInterface<CutCase> {};
+class DiffieHellmanCut : public DiffieHellmanTest, public ::testing::WithParamInterface<PairCutCase> {};
 
 TEST_P(DiffieHellmanCut, IsRefusedInTheWordsOfTheBlock) {
-    expectRefused<ASN1Exception>([] { decoded(GetParam().blocks); }, GetParam().message);
+    expectRefused<ASN1Exception>([] { decodedPair(GetParam().blocks); }, GetParam().message);
 }
 
-INSTANTIATE_TEST_SUITE_P(Blocks, DiffieHellmanCut, ::testing::ValuesIn(CUTS),
+INSTANTIATE_TEST_SUITE_P(Blocks, DiffieHellmanCut, ::testing::ValuesIn(PAIR_CUTS),
                          [](const auto& test) { return test.param.name; });
 
 // Comparing.
 
 TEST_F(DiffieHellmanTest, IsEqualWithTheSameFourNumbers) {
-    const std::unique_ptr<DiffieHellman> pair = decoded(fromHex("0117 0105 0108 0106"));
+    const std::unique_ptr<DiffieHellman> pair = decodedPair(fromHex("0117 0105 0108 0106"));
     EXPECT_TRUE(*pair == *pair);
     EXPECT_FALSE(*pair != *pair);
-    EXPECT_TRUE(*pair == *decoded(fromHex("0117 0105 0108 0106")));
-    EXPECT_FALSE(*pair != *decoded(fromHex("0117 0105 0108 0106")));
+    EXPECT_TRUE(*pair == *decodedPair(fromHex("0117 0105 0108 0106")));
+    EXPECT_FALSE(*pair != *decodedPair(fromHex("0117 0105 0108 0106")));
 }
 
 struct DifferenceCase {
@@ -643,8 +643,8 @@ class DiffieHellmanDifference : public DiffieHellmanTest,
                                 public ::testing::WithParamInterface<DifferenceCase> {};
 
 TEST_P(DiffieHellmanDifference, IsSeenEitherWay) {
-    const std::unique_ptr<DiffieHellman> pair = decoded(fromHex("0117 0105 0108 0106"));
-    const std::unique_ptr<DiffieHellman> other = decoded(fromHex(GetParam().hex));
+    const std::unique_ptr<DiffieHellman> pair = decodedPair(fromHex("0117 0105 0108 0106"));
+    const std::unique_ptr<DiffieHellman> other = decodedPair(fromHex(GetParam().hex));
     EXPECT_FALSE(*pair == *other);
     EXPECT_FALSE(*other == *pair);
     EXPECT_TRUE(*pair != *other);
@@ -656,13 +656,13 @@ INSTANTIATE_TEST_SUITE_P(Numbers, DiffieHellmanDifference, ::testing::ValuesIn(D
 // Printing.
 
 TEST_F(DiffieHellmanTest, PrintsItsFourNumbers) {
-    EXPECT_EQ(decoded(fromHex("0117 0105 020108 0106"))->toString(),
+    EXPECT_EQ(decodedPair(fromHex("0117 0105 020108 0106"))->toString(),
               "Diffie-Hellman-Structure:\n"
               "    prime:  17\n"
               "    generator:  05\n"
               "    public-key:  01:08\n"
               "    private-key:  06\n");
-    EXPECT_EQ(decoded(fromHex("0117 0105 00 0106"))->toString(),
+    EXPECT_EQ(decodedPair(fromHex("0117 0105 00 0106"))->toString(),
               "Diffie-Hellman-Structure:\n"
               "    prime:  17\n"
               "    generator:  05\n"

@@ -88,7 +88,7 @@ Number sentNumber(const DiffieHellman& pair) {
     return numberFrom(record.nextOctetString().toByteArray());
 }
 
-bytes textOfNumber(const BIGNUM* number) {
+bytes textToSend(const BIGNUM* number) {
     return rawBase64(dhRecord(paddedTo(129, bytesOf(number))));
 }
 
@@ -119,7 +119,7 @@ TEST_F(OpensslCommand, AgreesWithAPairOfOurs) {
     const std::shared_ptr<DH> peer = privateKeyIn("peer.pem");
     ASSERT_TRUE(peer);
 
-    EXPECT_EQ(own->computeSharedSecret(textOfNumber(DH_get0_pub_key(peer.get()))),
+    EXPECT_EQ(own->computeSharedSecret(textToSend(DH_get0_pub_key(peer.get()))),
               secretOf(numberFrom(contentOf("secret")).get()));
 }
 
@@ -144,7 +144,7 @@ TEST_P(OpensslCommandSecret, IsTheSameWithItsLastByteOverwritten) {
 
     const Number secret = numberFrom(contentOf("secret"));
     ASSERT_EQ(bytesOf(secret).size(), GetParam().bytesOfSecret);
-    EXPECT_EQ(DiffieHellman(own).computeSharedSecret(textOfNumber(DH_get0_pub_key(peer.get()))),
+    EXPECT_EQ(DiffieHellman(own).computeSharedSecret(textToSend(DH_get0_pub_key(peer.get()))),
               secretOf(secret.get()));
 }
 

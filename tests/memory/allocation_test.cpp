@@ -6,6 +6,7 @@
 #include "octets.h"
 #include "raw_base64.h"
 #include "replaced_new.h"
+#include "sample_key.h"
 #include "vorl/CipherSpec.h"
 #include "vorl/OpenSSLException.h"
 #include "vorl/SoftwareKeyCipher.h"
@@ -107,9 +108,6 @@ void release(void* memory) noexcept {
 namespace {
 
 using tarvik::crypto::ICipherContext;
-
-const bytes KEY = fromHex("2b7e151628aed2a6abf7158809cf4f3c");
-const bytes IV = fromHex("000102030405060708090a0b0c0d0e0f");
 
 struct Usage {
     std::size_t allocations;

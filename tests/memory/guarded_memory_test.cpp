@@ -6,6 +6,7 @@
 #include "raw_base64.h"
 #include "raw_cipher.h"
 #include "replaced_new.h"
+#include "sample_key.h"
 #include "vorl/CipherAlgo.h"
 #include "vorl/CipherMode.h"
 #include "vorl/CipherSpec.h"
@@ -101,9 +102,6 @@ namespace {
 
 using Tarvik::BrisClient::Base64;
 using tarvik::crypto::ICipherContext;
-
-const bytes KEY = fromHex("2b7e151628aed2a6abf7158809cf4f3c");
-const bytes IV = fromHex("000102030405060708090a0b0c0d0e0f");
 
 class GuardedMemory : public StartedLibrary {
 protected:

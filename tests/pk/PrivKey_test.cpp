@@ -17,16 +17,16 @@ namespace {
 
 static_assert(std::is_base_of_v<OpenSSLPKey, PrivKey>);
 
-RawKey raw() {
+RawKey rawPriv() {
     return rsa1024();
 }
 
-RawKey otherRaw() {
+RawKey otherRawPriv() {
     return otherRsa1024();
 }
 
 TEST(PrivKey, IsMadeFromAKeyThatStaysTheCallers) {
-    const RawKey source = raw();
+    const RawKey source = rawPriv();
     const PrivKey fromPointer(source.get());
     const PrivKey fromShared{std::shared_ptr<const EVP_PKEY>(source)};
 
@@ -38,7 +38,7 @@ TEST(PrivKey, IsMadeFromAKeyThatStaysTheCallers) {
 }
 
 TEST(PrivKey, CopyHasAKeyOfItsOwnAroundTheSameRsa) {
-    const PrivKey key(raw().get());
+    const PrivKey key(rawPriv().get());
     const PrivKey copy(key);
 
     EXPECT_NE(copy.getEVP_PKEY(), key.getEVP_PKEY());
@@ -47,9 +47,9 @@ TEST(PrivKey, CopyHasAKeyOfItsOwnAroundTheSameRsa) {
 }
 
 TEST(PrivKey, AssignmentReplacesTheKeyOfThisObjectOnly) {
-    PrivKey key(raw().get());
+    PrivKey key(rawPriv().get());
     const PrivKey copy(key);
-    const PrivKey other(otherRaw().get());
+    const PrivKey other(otherRawPriv().get());
 
     EXPECT_EQ(&(key = other), &key);
     EXPECT_EQ(key, other);
@@ -59,17 +59,17 @@ TEST(PrivKey, AssignmentReplacesTheKeyOfThisObjectOnly) {
 }
 
 TEST(PrivKey, AssignmentToItselfChangesNothing) {
-    PrivKey key(raw().get());
+    PrivKey key(rawPriv().get());
     const EVP_PKEY* const before = key.getEVP_PKEY();
     const PrivKey& same = key;
     key = same;
 
     EXPECT_EQ(key.getEVP_PKEY(), before);
-    EXPECT_EQ(key, PrivKey(raw().get()));
+    EXPECT_EQ(key, PrivKey(rawPriv().get()));
 }
 
 TEST(PrivKey, TextNamesTheHalfAndTheAlgorithm) {
-    const PrivKey key(raw().get());
+    const PrivKey key(rawPriv().get());
     const FormatPrintable& printable = key;
 
     EXPECT_EQ(key.toString(), "Private-Key (RSA)");
@@ -78,7 +78,7 @@ TEST(PrivKey, TextNamesTheHalfAndTheAlgorithm) {
 
 // Without any of its numbers, whatever the width.
 TEST(PrivKey, BlockIsOneLineBehindTheIndent) {
-    const PrivKey key(raw().get());
+    const PrivKey key(rawPriv().get());
     const FormatPrintable& printable = key;
 
     EXPECT_EQ(printable.toFormatString("Key", 80, 1, ":", 4), "    Key:  Private-Key (RSA)\n");

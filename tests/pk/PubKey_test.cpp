@@ -17,16 +17,16 @@ namespace {
 
 static_assert(std::is_base_of_v<OpenSSLPKey, PubKey>);
 
-RawKey raw() {
+RawKey rawPub() {
     return publicHalf(rsa1024());
 }
 
-RawKey otherRaw() {
+RawKey otherRawPub() {
     return publicHalf(otherRsa1024());
 }
 
 TEST(PubKey, IsMadeFromAKeyThatStaysTheCallers) {
-    const RawKey source = raw();
+    const RawKey source = rawPub();
     const PubKey fromPointer(source.get());
     const PubKey fromShared{std::shared_ptr<const EVP_PKEY>(source)};
 
@@ -38,7 +38,7 @@ TEST(PubKey, IsMadeFromAKeyThatStaysTheCallers) {
 }
 
 TEST(PubKey, CopyHasAKeyOfItsOwnAroundTheSameRsa) {
-    const PubKey key(raw().get());
+    const PubKey key(rawPub().get());
     const PubKey copy(key);
 
     EXPECT_NE(copy.getEVP_PKEY(), key.getEVP_PKEY());
@@ -47,9 +47,9 @@ TEST(PubKey, CopyHasAKeyOfItsOwnAroundTheSameRsa) {
 }
 
 TEST(PubKey, AssignmentReplacesTheKeyOfThisObjectOnly) {
-    PubKey key(raw().get());
+    PubKey key(rawPub().get());
     const PubKey copy(key);
-    const PubKey other(otherRaw().get());
+    const PubKey other(otherRawPub().get());
 
     EXPECT_EQ(&(key = other), &key);
     EXPECT_EQ(key, other);
@@ -59,17 +59,17 @@ TEST(PubKey, AssignmentReplacesTheKeyOfThisObjectOnly) {
 }
 
 TEST(PubKey, AssignmentToItselfChangesNothing) {
-    PubKey key(raw().get());
+    PubKey key(rawPub().get());
     const EVP_PKEY* const before = key.getEVP_PKEY();
     const PubKey& same = key;
     key = same;
 
     EXPECT_EQ(key.getEVP_PKEY(), before);
-    EXPECT_EQ(key, PubKey(raw().get()));
+    EXPECT_EQ(key, PubKey(rawPub().get()));
 }
 
 TEST(PubKey, TextNamesTheHalfAndTheAlgorithm) {
-    const PubKey key(raw().get());
+    const PubKey key(rawPub().get());
     const FormatPrintable& printable = key;
 
     EXPECT_EQ(key.toString(), "Public-Key (RSA)");
@@ -78,7 +78,7 @@ TEST(PubKey, TextNamesTheHalfAndTheAlgorithm) {
 
 // Without any of its numbers, whatever the width.
 TEST(PubKey, BlockIsOneLineBehindTheIndent) {
-    const PubKey key(raw().get());
+    const PubKey key(rawPub().get());
     const FormatPrintable& printable = key;
 
     EXPECT_EQ(printable.toFormatString("Key", 80, 1, ":", 4), "    Key:  Public-Key (RSA)\n");

@@ -21,7 +21,7 @@
 namespace vorl::test {
 namespace {
 
-constexpr const char* NO_KEY = "PEM_read_bio_PUBKEY() in PubKey::loadFromPEMBIO()";
+constexpr const char* NO_KEY_FOUND = "PEM_read_bio_PUBKEY() in PubKey::loadFromPEMBIO()";
 
 std::string publicBlock(const RawKey& key) {
     return publicPem(key);
@@ -41,9 +41,9 @@ std::string certificateBlock(const RawKey& key) {
 struct PublicKind {
     using Object = PubKey;
     static constexpr const char* NAME = "PubKey";
-    static constexpr const char* REFUSAL = NO_KEY;
+    static constexpr const char* REFUSAL = NO_KEY_FOUND;
     // The key classes do not look whether the file could be opened: it shows as the failure to read.
-    static constexpr const char* UNOPENED = NO_KEY;
+    static constexpr const char* UNOPENED = NO_KEY_FOUND;
     static constexpr auto BLOCK = publicBlock;
     static bool isOf(const Object& object, const RawKey& key) { return object == PubKey(key.get()); }
     static std::vector<std::string> otherKinds() {
@@ -57,8 +57,8 @@ struct PublicKind {
 struct PrivateKind {
     using Object = PrivKey;
     static constexpr const char* NAME = "PrivKey";
-    static constexpr const char* REFUSAL = NO_KEY;
-    static constexpr const char* UNOPENED = NO_KEY;
+    static constexpr const char* REFUSAL = NO_KEY_FOUND;
+    static constexpr const char* UNOPENED = NO_KEY_FOUND;
     static constexpr auto BLOCK = privateBlock;
     // The private half is there too: it prints the same.
     static bool isOf(const Object& object, const RawKey& key) {
@@ -304,20 +304,20 @@ TYPED_TEST(Pem, FileWithoutABlockIsRefused) {
 
 // Keys of other algorithms
 
-struct TypeCase {
+struct PemTypeCase {
     const char* name;
     const RawKey& (*key)();
     const char* message;
 };
 
-const TypeCase OTHER_TYPES[] = {
+const PemTypeCase OTHER_PEM_TYPES[] = {
     {"Dsa", dsa, "Unknown EVP_PKEY type value: 116"},
     {"Ec", ec, "Unknown EVP_PKEY type value: 408"},
     {"RsaPss", rsaPss, "Unknown EVP_PKEY type value: 912"},
     {"Ed25519", ed25519, "Unknown EVP_PKEY type value: 1087"},
 };
 
-class PemOfAnotherAlgorithm : public ::testing::TestWithParam<TypeCase> {};
+class PemOfAnotherAlgorithm : public ::testing::TestWithParam<PemTypeCase> {};
 
 TEST_P(PemOfAnotherAlgorithm, IsRefusedByTheKeyThatItWouldMake) {
     const RawKey& key = GetParam().key();
@@ -334,7 +334,7 @@ TEST_P(PemOfAnotherAlgorithm, IsRefusedByTheKeyThatItWouldMake) {
     EXPECT_EQ(messageOf<VORLException>([&] { PrivKey::loadFromPEMBIO(bioWith(privatePem(key))); }), message);
 }
 
-INSTANTIATE_TEST_SUITE_P(Types, PemOfAnotherAlgorithm, ::testing::ValuesIn(OTHER_TYPES),
+INSTANTIATE_TEST_SUITE_P(Types, PemOfAnotherAlgorithm, ::testing::ValuesIn(OTHER_PEM_TYPES),
                          [](const auto& test) { return test.param.name; });
 
 }  // namespace

@@ -72,14 +72,14 @@ TEST(SlotOrder, OfTheProcessorEndsWithTheDestructor) {
     using P = PKSignatureProcessor;
     using KeyPtr = const std::shared_ptr<const PubKey>&;
     using CertPtr = const std::shared_ptr<const X509Cert>&;
-    using SignaturePtr = std::shared_ptr<const PKSignature>;
+    using ConstSignature = std::shared_ptr<const PKSignature>;
     static_assert(std::has_virtual_destructor_v<P>);
 
     EXPECT_EQ(vtableSlot(&P::initSign), 0);
     EXPECT_EQ(vtableSlot(static_cast<void (P::*)(KeyPtr)>(&P::initVerify)), 1);
     EXPECT_EQ(vtableSlot(&P::update), 2);
-    EXPECT_EQ(vtableSlot(static_cast<SignaturePtr (P::*)()>(&P::sign)), 3);
-    EXPECT_EQ(vtableSlot(static_cast<bool (P::*)(const SignaturePtr&)>(&P::verify)), 4);
+    EXPECT_EQ(vtableSlot(static_cast<ConstSignature (P::*)()>(&P::sign)), 3);
+    EXPECT_EQ(vtableSlot(static_cast<bool (P::*)(const ConstSignature&)>(&P::verify)), 4);
     EXPECT_EQ(vtableSlot(&WithOneMore<P>::oneMore), 7);
     EXPECT_EQ(vtableSlot(static_cast<void (P::*)(CertPtr)>(&P::initVerify)), -1);
 }

@@ -31,6 +31,14 @@ write_basic_package_version_file("${vorl_generated_dir}/vorl-config-version.cmak
 install(FILES "${vorl_generated_dir}/vorl-config.cmake" "${vorl_generated_dir}/vorl-config-version.cmake"
     DESTINATION "${vorl_package_dir}" COMPONENT development)
 
+if(TARGET vorl_testkit)
+    install(TARGETS vorl_testkit vorl_testkit_gtest EXPORT vorl_testkit
+        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
+        FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development)
+    install(EXPORT vorl_testkit NAMESPACE vorl:: FILE vorl-testkit-targets.cmake
+        DESTINATION "${vorl_package_dir}" COMPONENT development)
+endif()
+
 # vorl_path_between(FROM TO RESULT): the way from one installed folder to another, which stays the same when both move.
 function(vorl_path_between from to result)
     cmake_path(ABSOLUTE_PATH from BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" NORMALIZE)

@@ -30,16 +30,16 @@ Subject::Subject(const Platform& platform) : platform_(platform) {
     require(
         platform.provision || (platform.ownKeys.size() >= 2 && platform.ownKeys[0] != platform.ownKeys[1]),
         "The platform is described without a way to provision keys and without two keys of its own");
+    // Here, so that threads need not ask for them.
+    for (const KeyName name : {FIRST_KEY, SECOND_KEY}) {
+        keys_.push_back(platform.provision ? provisioned(valueNamed(name)) : platform.ownKeys[name]);
+    }
 }
 
 void Subject::needsKnownKeys() const {
     if (!platform_.provision) {
         throw LeftOut("The platform has only keys of its own, and this takes one of known value");
     }
-}
-
-bytes Subject::key(KeyName name) const {
-    return platform_.provision ? provisioned(valueNamed(name)) : platform_.ownKeys[name];
 }
 
 bytes Subject::provisioned(const bytes& value) const {

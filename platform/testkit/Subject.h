@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace vorl::testkit {
 
@@ -39,7 +40,7 @@ public:
     void needsKnownKeys() const;
 
     /// As cryptContext() takes them.
-    bytes key(KeyName name) const;
+    const bytes& key(KeyName name) const { return keys_[name]; }
     bytes provisioned(const bytes& value) const;
     /// What is known of a key's value.
     std::optional<bytes> valueOf(KeyName name) const;
@@ -58,6 +59,7 @@ public:
 
 private:
     const Platform& platform_;
+    std::vector<bytes> keys_;
 };
 
 /// `n` octets in which neighbours, and the same places of neighbouring blocks, differ.

@@ -40,7 +40,8 @@ struct Platform {
 
     /// The bytes that cryptContext() takes for an AES-128 key of this value: the value itself where keys are
     /// handed over as they are, a handle where they live elsewhere. It is called between init() and
-    /// cleanup(), and its answer is used until that cleanup() and after the next init().
+    /// cleanup(), more than once for a value, by the thread that runs the check; its answer is used until
+    /// that cleanup() and after the next init().
     /// Empty for a platform that has only keys of its own.
     std::function<bytes(const bytes& value)> provision;
     /// Where `provision` is empty: two different keys of the platform's own, as cryptContext() takes them.

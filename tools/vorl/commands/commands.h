@@ -31,6 +31,7 @@ Run declareSign(CLI::App& command);
 Run declareVerify(CLI::App& command);
 Run declareCertShow(CLI::App& command);
 Run declareCertCheck(CLI::App& command);
+Run declareVectors(CLI::App& command);
 Run declareDoctor(CLI::App& command);
 
 /// The first words of commands that have several, such as "dh params" of "dh params new".
@@ -72,6 +73,7 @@ inline constexpr Command COMMANDS[] = {
     {"verify", "Verify a signature with a public key or a certificate", declareVerify},
     {"cert show", "Show what a certificate says", declareCertShow},
     {"cert check", "Judge the time and the key of a certificate", declareCertCheck},
+    {"vectors", "Write sample records for the tests of other implementations", declareVectors},
     {"doctor", "Check what the tool depends on", declareDoctor},
 };
 

@@ -1,12 +1,12 @@
 #include "vorl/CipherWrapper01.h"
 
 #include "LibraryState.h"
+#include "PlatformContext.h"
 #include "messageOf.h"
 #include "message_sizes.h"
 #include "octets.h"
 #include "sample_key.h"
 #include "vorl/CipherSpec.h"
-#include "vorl/SoftwareKeyCipher.h"
 #include "vorl/VORLException.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ namespace {
 class CipherWrapper01Test : public StartedLibrary {
 protected:
     const CipherWrapper01 wrapper_{"Own"};
-    SoftwareKeyCipher cipher_{CipherSpec::AES_128_ECB_PKCS5(), KEY};
+    PlatformContext cipher_{tarvik::crypto::ICipherContext::SPEC_AES_128_ECB, KEY};
 };
 
 }  // namespace

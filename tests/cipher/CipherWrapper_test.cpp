@@ -2,6 +2,7 @@
 
 #include "GroupedDigits.h"
 #include "LibraryState.h"
+#include "PlatformContext.h"
 #include "block_encoder.h"
 #include "cipher_contexts.h"
 #include "messageOf.h"
@@ -227,8 +228,8 @@ TEST_F(CipherWrapperRegistry, AloneEncrypts) {
 }
 
 TEST_F(CipherWrapperTest, NamedConstantLengths) {
-    SoftwareKeyCipher test(CipherSpec::AES_128_ECB_PKCS5(), KEY);
-    SoftwareKeyCipher full(CipherSpec::AES_128_CBC_PKCS5(), KEY);
+    PlatformContext test(ICipherContext::SPEC_AES_128_ECB, KEY);
+    PlatformContext full(ICipherContext::SPEC_AES_128_CBC, KEY);
 
     const bytes tested = CipherWrapper::TEST_CIPHER()->encrypt(octets(16), test);
     EXPECT_EQ(tested.size(), 34U);
@@ -371,8 +372,8 @@ TEST_F(CipherWrapperTest, FrontIsNotNeededToEncrypt) {
 
 TEST_F(CipherWrapperTest, OnlyTheFullVersionDrawsRandomBytes) {
     Random::init_ = false;
-    SoftwareKeyCipher test(CipherSpec::AES_128_ECB_PKCS5(), KEY);
-    SoftwareKeyCipher full(CipherSpec::AES_128_CBC_PKCS5(), KEY);
+    PlatformContext test(ICipherContext::SPEC_AES_128_ECB, KEY);
+    PlatformContext full(ICipherContext::SPEC_AES_128_CBC, KEY);
     EXPECT_EQ(CipherWrapper::NULL_CIPHER()->encrypt(octets(1), full), fromHex("00 01 01"));
     EXPECT_EQ(CipherWrapper::TEST_CIPHER()->encrypt(octets(1), test).size(), 18U);
     EXPECT_EQ(messageOf<OpenSSLException>([&] { CipherWrapper::FULL_CIPHER()->encrypt(octets(1), full); }),
@@ -451,8 +452,8 @@ TEST_F(CipherWrapperTest, ClosedMultipleOf16384OctetsOpens) {
     const bytes message = octets(16384 - 5);
     const bytes body = rawEncrypt(KEY, {}, message);
     ASSERT_EQ(body.size(), 16384U);
-    SoftwareKeyCipher cipher(CipherSpec::AES_128_ECB_PKCS5(), KEY);
-    ForwardingContext foreign(std::make_shared<SoftwareKeyCipher>(CipherSpec::AES_128_ECB_PKCS5(), KEY));
+    PlatformContext cipher(ICipherContext::SPEC_AES_128_ECB, KEY);
+    ForwardingContext foreign(cipher.shared());
 
     EXPECT_TRUE(CipherWrapper::decrypt(testEnvelope(body) + bytes{0x00}, cipher) == message);
     EXPECT_TRUE(CipherWrapper::decrypt(testEnvelope(body) + bytes{0x00}, foreign) == message);
@@ -549,7 +550,7 @@ TEST_F(CipherWrapperTest, MalformedEnvelopeIsRefusedWhereItIs) {
     };
     for (const Malformed& malformed : envelopes) {
         RecordingContext context(2);
-        SoftwareKeyCipher own(CipherSpec::AES_128_CBC_PKCS5(), KEY);
+        PlatformContext own(ICipherContext::SPEC_AES_128_CBC, KEY);
         const bytes envelope = fromHex(malformed.hex);
         EXPECT_EQ(messageOf<ASN1Exception>([&] { CipherWrapper::decrypt(envelope, context); }),
                   malformed.text);
@@ -596,7 +597,7 @@ TEST_F(CipherWrapperTest, FaultOfTheOwnCipherPassesThrough) {
 }
 
 TEST_F(CipherWrapperTest, IvIsFreshForEachMessage) {
-    SoftwareKeyCipher cipher(CipherSpec::AES_128_CBC_PKCS5(), KEY);
+    PlatformContext cipher(ICipherContext::SPEC_AES_128_CBC, KEY);
     const bytes one = CipherWrapper::FULL_CIPHER()->encrypt(octets(50), cipher);
     const bytes other = CipherWrapper::FULL_CIPHER()->encrypt(octets(50), cipher);
     EXPECT_NE(ivOf(one), ivOf(other));
@@ -605,7 +606,7 @@ TEST_F(CipherWrapperTest, IvIsFreshForEachMessage) {
 }
 
 TEST_F(CipherWrapperTest, ConstEnvelopeIsLeftAsItIs) {
-    SoftwareKeyCipher cipher(CipherSpec::AES_128_CBC_PKCS5(), KEY);
+    PlatformContext cipher(ICipherContext::SPEC_AES_128_CBC, KEY);
     const bytes envelope = fullEnvelope(IV, rawEncrypt(KEY, IV, octets(50)));
     const bytes before = envelope;
     EXPECT_EQ(CipherWrapper::decrypt(envelope, cipher), octets(50));
@@ -613,7 +614,7 @@ TEST_F(CipherWrapperTest, ConstEnvelopeIsLeftAsItIs) {
 }
 
 TEST_F(CipherWrapperTest, GivenAwayEnvelopeYieldsTheSame) {
-    SoftwareKeyCipher cipher(CipherSpec::AES_128_CBC_PKCS5(), KEY);
+    PlatformContext cipher(ICipherContext::SPEC_AES_128_CBC, KEY);
     EXPECT_EQ(CipherWrapper::decrypt(fullEnvelope(IV, rawEncrypt(KEY, IV, octets(50))), cipher), octets(50));
     EXPECT_EQ(messageOf<ASN1Exception>([&] { CipherWrapper::decrypt(fromHex("02 c0"), cipher); }),
               "Unknown ASN.1 length value: b11000000");
@@ -797,7 +798,7 @@ TEST_F(CipherWrapperTest, OwnWrapperOfASmallerBlockIsPaddedToIt) {
 
 // The context may be read-only to the caller's eye, but its direction is set with each message.
 TEST_F(CipherWrapperTest, OneContextServesBothDirectionsInTurn) {
-    SoftwareKeyCipher cipher(CipherSpec::AES_128_CBC_PKCS5(), KEY);
+    PlatformContext cipher(ICipherContext::SPEC_AES_128_CBC, KEY);
     for (std::size_t size = 0; size < 40; ++size) {
         const bytes envelope = CipherWrapper::FULL_CIPHER()->encrypt(octets(size), cipher);
         EXPECT_EQ(CipherWrapper::decrypt(envelope, cipher), octets(size));

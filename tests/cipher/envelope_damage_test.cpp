@@ -1,16 +1,15 @@
 #include "LibraryState.h"
+#include "PlatformContext.h"
 #include "cipher_contexts.h"
 #include "levels.h"
 #include "messageOf.h"
 #include "message_sizes.h"
 #include "octets.h"
+#include "platform_under_test.h"
 #include "sample_key.h"
 #include "vorl/ASN1Exception.h"
 #include "vorl/CipherSpec.h"
 #include "vorl/CipherWrapper.h"
-#include "vorl/NullCipher.h"
-#include "vorl/OpenSSLException.h"
-#include "vorl/SoftwareKeyCipher.h"
 #include "vorl/VORLException.h"
 
 #include <gtest/gtest.h>
@@ -39,10 +38,8 @@ Outcome outcomeOf(const bytes& envelope, ICipherContext& ctx) {
     } catch (const VORLException& e) {
         return typeid(e) == typeid(VORLException) || typeid(e) == typeid(ASN1Exception) ? REFUSED
                                                                                         : FOREIGN_EXCEPTION;
-    } catch (const OpenSSLException&) {
-        return REFUSED;
-    } catch (const std::exception&) {
-        return FOREIGN_EXCEPTION;
+    } catch (const std::exception& e) {
+        return isPlatformFault(e) ? REFUSED : FOREIGN_EXCEPTION;
     }
 }
 
@@ -78,7 +75,8 @@ class DamagedEnvelope : public StartedLibrary, public ::testing::WithParamInterf
 protected:
     void SetUp() override {
         StartedLibrary::SetUp();
-        const std::shared_ptr<ICipherContext> own = cipherOf(GetParam().level, KEY);
+        const std::shared_ptr<ICipherContext> own =
+            PlatformContext(typeOf(GetParam().level)->wrapper->getCipherSpec()->spec, KEY).shared();
         ctx_ = GetParam().foreign ? std::make_shared<ForwardingContext>(own) : own;
         ASSERT_TRUE(CipherWrapper::decrypt(envelope_, *ctx_) == message_);
     }
@@ -146,7 +144,7 @@ protected:
         return messageOf<ASN1Exception>([&] { CipherWrapper::decrypt(envelope, cipher_); });
     }
 
-    SoftwareKeyCipher cipher_{CipherSpec::AES_128_CBC_PKCS5(), KEY};
+    PlatformContext cipher_{ICipherContext::SPEC_AES_128_CBC, KEY};
     // 02, 10 and 16 octets, 20 and 32 octets.
     const bytes message_ = octets(20);
     const bytes envelope_ = expectedEnvelope(FULL, KEY, IV, message_);

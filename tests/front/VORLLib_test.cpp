@@ -43,6 +43,8 @@ protected:
     }
 };
 
+class SoftwareVORLLibTest : public VORLLibTest {};
+
 class VORLLibBeforeInit : public ::testing::Test {};
 
 void expectRefusesEverything() {
@@ -108,10 +110,16 @@ TEST_F(VORLLibTest, CleanupStopsRegistryAndFactory) {
     VORLLib::cleanup();
     EXPECT_EQ(messageOf<VORLException>([] { CipherWrapper::checkInit(); }),
               "CipherWrapper must be initialized before use");
+    EXPECT_ANY_THROW(VorlCryptoFactory::cryptContext(ICipherContext::SPEC_NULL, {}));
+    expectRefusesEverything();
+}
+
+// In the software platform's own words.
+TEST_F(SoftwareVORLLibTest, CleanupStopsTheFactory) {
+    VORLLib::cleanup();
     EXPECT_EQ(
         messageOf<VORLException>([] { VorlCryptoFactory::cryptContext(ICipherContext::SPEC_NULL, {}); }),
         "VorlCryptoFactory must be initialized before use");
-    expectRefusesEverything();
 }
 
 TEST_F(VORLLibTest, CleanupMayBeRepeated) {

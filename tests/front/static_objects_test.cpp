@@ -1,5 +1,6 @@
 #include "messageOf.h"
 #include "octets.h"
+#include "platform_under_test.h"
 #include "raw_base64.h"
 #include "raw_openssl.h"
 #include "sample_key.h"
@@ -77,7 +78,7 @@ public:
         beforeInit_ = messageOf<VORLException>([] { VorlContext context(KEY); });
         Random::init_ = true;
         VORLLib::init();
-        context_ = std::make_unique<VorlContext>(KEY);
+        context_ = std::make_unique<VorlContext>(keyFor(KEY));
         fault_ = faultOfFields() + faultOfAll(*context_);
     }
     ~StaticUser() {

@@ -1,0 +1,44 @@
+# vorl_harden(TARGETS...): compiles and links what is shipped so that a fault in it is hard to exploit: a damaged stack is
+# noticed, the C library checks sizes where it knows them, and nothing that a program writes to is ever executed or
+# decides where a call goes. tests/hardening looks for all of it in what is installed.
+option(VORL_HARDENING "Compile and link with the protections of compiler, linker and C library" ON)
+
+include(CheckCXXCompilerFlag)
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+
+set(vorl_hardening_options)
+foreach(flag IN ITEMS -fstack-protector-strong -fstack-clash-protection)
+    string(MAKE_C_IDENTIFIER "VORL_HAS${flag}" has_flag)
+    check_cxx_compiler_flag(${flag} ${has_flag})
+    if(${has_flag})
+        list(APPEND vorl_hardening_options ${flag})
+    endif()
+endforeach()
+# No kernel checks the calls and returns of 32-bit programs, so there it would be room for nothing.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$" AND CMAKE_SIZEOF_VOID_P EQUAL 8)
+    check_cxx_compiler_flag(-fcf-protection VORL_HAS_fcf_protection)
+    if(VORL_HAS_fcf_protection)
+        list(APPEND vorl_hardening_options -fcf-protection)
+    endif()
+endif()
+# The sanitizers check the same functions themselves, and do not know the C library's checked ones.
+if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize=")
+    list(APPEND vorl_hardening_options "SHELL:-include \"${PROJECT_SOURCE_DIR}/cmake/fortify.h\"")
+endif()
+
+function(vorl_harden)
+    if(NOT VORL_HARDENING)
+        return()
+    endif()
+    foreach(target IN LISTS ARGN)
+        if(TARGET ${target})
+            set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+            target_compile_options(${target} PRIVATE ${vorl_hardening_options})
+            get_target_property(type ${target} TYPE)
+            if(type MATCHES "^(SHARED_LIBRARY|EXECUTABLE)$")
+                target_link_options(${target} PRIVATE LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
+            endif()
+        endif()
+    endforeach()
+endfunction()

@@ -1,6 +1,7 @@
 #ifndef VORL_TESTS_RAW_SIGNATURE_H
 #define VORL_TESTS_RAW_SIGNATURE_H
 
+#include "raw_digest.h"
 #include "raw_keys.h"
 
 #include <openssl/evp.h>
@@ -13,15 +14,6 @@ namespace vorl::test {
 
 // RSA signatures (RSASSA-PKCS1-v1_5) by plain calls of OpenSSL, in its two interfaces. Signing throws
 // std::runtime_error where OpenSSL fails.
-
-inline bytes rawDigest(const EVP_MD* md, const bytes& data) {
-    bytes digest(EVP_MAX_MD_SIZE);
-    unsigned int size = 0;
-    raw_keys::require(EVP_Digest(data.data(), data.size(), digest.data(), &size, md, nullptr) == 1,
-                      "EVP_Digest");
-    digest.resize(size);
-    return digest;
-}
 
 inline bytes rawRsaSign(const RawKey& key, const EVP_MD* md, const bytes& data) {
     const std::shared_ptr<RSA> rsa = rawRsa(key);

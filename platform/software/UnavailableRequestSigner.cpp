@@ -1,5 +1,6 @@
 #include "UnavailableRequestSigner.h"
 
+#include "request_signer.h"
 #include "vorl/VORLException.h"
 
 namespace tarvik::crypto {
@@ -19,6 +20,10 @@ void UnavailableRequestSigner::sign(const std::string& /*s*/,
 
 bool UnavailableRequestSigner::verify(const std::string& /*s*/, tarvik::http::IHttpStream& /*stream*/) {
     refuse();
+}
+
+std::shared_ptr<IRequestSigner> requestSignerFor(const std::vector<unsigned char>& /*contextKey*/) {
+    return std::make_shared<UnavailableRequestSigner>();
 }
 
 }  // namespace tarvik::crypto

@@ -1,6 +1,6 @@
 #include "tarvik/crypto/VorlCryptoFactory.h"
 
-#include "UnavailableRequestSigner.h"
+#include "request_signer.h"
 #include "vorl/CipherSpec.h"
 #include "vorl/NullCipher.h"
 #include "vorl/SoftwareKeyCipher.h"
@@ -41,7 +41,7 @@ std::pair<std::shared_ptr<ICipherContext>, std::shared_ptr<IRequestSigner>> Vorl
     if (!initialized) {
         throw vorl::VORLException("VorlCryptoFactory must be initialized before use");
     }
-    return {cipherFor(spec, key), std::make_shared<UnavailableRequestSigner>()};
+    return {cipherFor(spec, key), requestSignerFor(key)};
 }
 
 }  // namespace tarvik::crypto

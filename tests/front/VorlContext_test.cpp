@@ -2,7 +2,6 @@
 
 #include "GroupedDigits.h"
 #include "LibraryState.h"
-#include "Response.h"
 #include "levels.h"
 #include "messageOf.h"
 #include "message_sizes.h"
@@ -14,6 +13,8 @@
 #include "vorl/OpenSSLException.h"
 #include "vorl/VORLException.h"
 
+#include <tarvik/crypto/HttpRequestSigner.h>
+#include <tarvik/http/HttpResponse.h>
 #include <tarvik/http/IHttpStream.h>
 
 #include <gtest/gtest.h>
@@ -30,6 +31,8 @@ namespace vorl::test {
 
 namespace {
 
+using tarvik::crypto::HttpRequestSigner;
+using tarvik::http::HttpResponse;
 using tarvik::http::IHttpStream;
 using Type = std::shared_ptr<const EncryptionType>;
 
@@ -270,15 +273,18 @@ TEST_F(VorlContextTest, HasNoVirtualOperations) {
     EXPECT_FALSE(std::is_polymorphic_v<VorlContext>);
 }
 
-TEST_F(SoftwareVorlContextTest, CannotSign) {
-    VorlContext context(keyFor(KEY));
+TEST_F(SoftwareVorlContextTest, SignsRequestsAndVerifiesResponsesUnderAKeyOfItsOwn) {
+    VorlContext device(KEY);
+    HttpRequestSigner service(HttpRequestSigner::keyOfContext(KEY));
     IHttpStream::Request request{"GET", "http://example.com/", {{"Host", "example.com"}}, {}};
-    Response response;
-    EXPECT_EQ(messageOf<VORLException>([&] { context.sign("key", request); }),
-              "request signing is not available in this build");
-    EXPECT_EQ(request.fields.size(), 1U);
-    EXPECT_EQ(messageOf<VORLException>([&] { context.verify("key", response); }),
-              "request signing is not available in this build");
+    device.sign("device-1", request);
+    EXPECT_TRUE(service.verifyRequest("device-1", request));
+
+    HttpResponse response;
+    response.answered = request;
+    service.signResponse("device-1", response);
+    EXPECT_TRUE(device.verify("device-1", response));
+    EXPECT_FALSE(device.verify("device-1", response)) << "its nonce has been seen";
 }
 
 TEST_F(VorlContextTest, TextsAndMessagesDoNotFollowTheGlobalLocale) {

@@ -1,16 +1,18 @@
 #include "tarvik/crypto/VorlCryptoFactory.h"
-#include "Response.h"
 
 #include "GroupedDigits.h"
 #include "messageOf.h"
 #include "octets.h"
+#include "raw_digest.h"
 #include "raw_openssl.h"
+#include "signed_messages.h"
 #include "vorl/NullCipher.h"
+#include "vorl/Random.h"
 #include "vorl/SoftwareKeyCipher.h"
 #include "vorl/VORLException.h"
 
-#include <tarvik/crypto/IRequestSigner.h>
-#include <tarvik/http/IHttpStream.h>
+#include <tarvik/crypto/HttpRequestSigner.h>
+#include <tarvik/http/HttpResponse.h>
 
 #include <gtest/gtest.h>
 
@@ -21,9 +23,10 @@ namespace vorl::test {
 
 namespace {
 
+using tarvik::crypto::HttpRequestSigner;
 using tarvik::crypto::ICipherContext;
 using tarvik::crypto::VorlCryptoFactory;
-using tarvik::http::IHttpStream;
+using tarvik::http::HttpResponse;
 
 const bytes KEY = octets(16);
 const char NOT_INITIALIZED[] = "VorlCryptoFactory must be initialized before use";
@@ -34,8 +37,14 @@ ICipherContext::Spec spec(unsigned int number) {
 
 class VorlCryptoFactoryTest : public ::testing::Test {
 protected:
-    void SetUp() override { VorlCryptoFactory::init(); }
-    void TearDown() override { VorlCryptoFactory::cleanup(); }
+    void SetUp() override {
+        VorlCryptoFactory::init();
+        Random::init_ = true;
+    }
+    void TearDown() override {
+        Random::init_ = false;
+        VorlCryptoFactory::cleanup();
+    }
 };
 
 }  // namespace
@@ -113,18 +122,18 @@ TEST_F(VorlCryptoFactoryTest, ContextsOutliveACleanup) {
     EXPECT_NE(signer, nullptr);
 }
 
-// A refusal, so that an unsigned request is never taken for a signed one.
-TEST_F(VorlCryptoFactoryTest, SignerRefusesToSignAndToVerify) {
+// Of the key for ciphers, and for all specs alike: a level is no reason for another signature.
+TEST_F(VorlCryptoFactoryTest, SignerHasAKeyOfItsOwnThatIsDerivedFromTheCiphers) {
     for (const unsigned int number : {0U, 1U, 2U}) {
         const auto signer = VorlCryptoFactory::cryptContext(spec(number), KEY).second;
-        IHttpStream::Request request{"POST", "http://example.com/", {{"Host", "example.com"}}, octets(3)};
-        Response response;
-        EXPECT_EQ(messageOf<VORLException>([&] { signer->sign("key", request); }),
-                  "request signing is not available in this build");
-        EXPECT_EQ(request.fields.size(), 1U);
-        EXPECT_EQ(request.body, octets(3));
-        EXPECT_EQ(messageOf<VORLException>([&] { signer->verify("key", response); }),
-                  "request signing is not available in this build");
+        HttpResponse response;
+        const bytes derived = rawHmac(EVP_sha256(), KEY, octetsOf("libVORL HTTP request signing key"));
+        HttpRequestSigner(derived).signResponse("key", response);
+        EXPECT_TRUE(signer->verify("key", response));
+
+        HttpResponse signedWithTheCiphersKey;
+        HttpRequestSigner(KEY).signResponse("key", signedWithTheCiphersKey);
+        EXPECT_FALSE(signer->verify("key", signedWithTheCiphersKey));
     }
 }
 

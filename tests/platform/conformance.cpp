@@ -1,11 +1,14 @@
 #include "platform_under_test.h"
 
+#include "vorl/Random.h"
+
 #include <vorl/testkit/gtest.h>
 
 // The kit, on the platform in the library.
 
 int main(int argc, char** argv) {
     ::testing::InitGoogleTest(&argc, argv);
+    vorl::Random::init_ = true;  // a platform that signs may draw nonces
     vorl::testkit::Platform platform = vorl::testkit::linkedPlatform();
     platform.provision = vorl::test::keyFor;
     vorl::testkit::registerTests(platform);

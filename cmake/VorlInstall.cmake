@@ -1,14 +1,12 @@
 # What `cmake --install` copies, as components:
 #   runtime        libvorl.so.1, which programs need to run
-#   development    headers, libvorl.so or libvorl.a, the CMake package and vorl.pc
+#   development    headers, libvorl.so or libvorl.a, the checks for platforms, the CMake package and vorl.pc
 #   tool           the command-line tool
 #   documentation  the texts and the examples
-option(VORL_INSTALL "Install the library with the project that builds it" ${PROJECT_IS_TOP_LEVEL})
 if(NOT VORL_INSTALL)
     return()
 endif()
 
-include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
 install(TARGETS vorl EXPORT vorl
@@ -21,6 +19,14 @@ set(vorl_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/vorl")
 set(vorl_generated_dir "${PROJECT_BINARY_DIR}/install")
 install(EXPORT vorl NAMESPACE vorl:: FILE vorl-targets.cmake
     DESTINATION "${vorl_package_dir}" COMPONENT development)
+if(TARGET vorl_testkit)
+    # Apart from the library's, because it needs GoogleTest: find_package(vorl COMPONENTS testkit).
+    install(TARGETS vorl_testkit vorl_testkit_gtest EXPORT vorl-testkit
+        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
+        FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development)
+    install(EXPORT vorl-testkit NAMESPACE vorl:: FILE vorl-testkit-targets.cmake
+        DESTINATION "${vorl_package_dir}" COMPONENT development)
+endif()
 # Who links the library calls OpenSSL through its headers as well, and gets on only with the major version it was built for.
 string(REGEX MATCH "^[0-9]+" vorl_openssl_major "${OPENSSL_VERSION}")
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/vorl-config.cmake.in"

@@ -456,6 +456,33 @@ TEST(X509CertText, OfATimeThatIsNoneSaysSoAndLeavesTheErrorQueueAsItWas) {
     EXPECT_EQ(takeErrorQueue(), ErrorCodes{left});
 }
 
+// From `openssl ca -selfsign -startdate 20000101000000Z -enddate 20451231235959Z`. Its last second is more
+// than a time_t of 32 bits can count.
+const char VALID_TO_2045_PEM[] =
+    "-----BEGIN CERTIFICATE-----\n"
+    "MIIBnDCCAQUCAiBFMA0GCSqGSIb3DQEBCwUAMBYxFDASBgNVBAMMC2RldmljZS0y\n"
+    "MDQ1MB4XDTAwMDEwMTAwMDAwMFoXDTQ1MTIzMTIzNTk1OVowFjEUMBIGA1UEAwwL\n"
+    "ZGV2aWNlLTIwNDUwgZ8wDQYJKoZIhvcNAQEBBQADgY0AMIGJAoGBAMyK9AKNaGmo\n"
+    "5vCYPVKqOk2+BIx4lNG92FAAGhryNbWN9R6ioBpnN6HqI/9HamD5G76bVgdqSp6+\n"
+    "PqE1olhU0gqlExqms9foOIzYUHSvaUmqLR/sV0k85MwzQ+xrtnwXUcOjKwvJunP5\n"
+    "I99U3ZczhrR5hblJJbm147mizRza8o2VAgMBAAEwDQYJKoZIhvcNAQELBQADgYEA\n"
+    "fxv3X2rcsWubnhFIDGgFN0GIPPZt+0F4lU7JcTr9V5ITc4AvkF/C35oeTPeLX4og\n"
+    "gZPD1/0Y/wt2Hb+Cs9RPunne8gWyAbaL3Wt7em+dudyM7PmX1wC+WRCpPWXIcLt7\n"
+    "l7IvaO8VjzC0wqnNDh28G86v5x9zo05tjTkk/6nkjl4=\n"
+    "-----END CERTIFICATE-----\n";
+
+TEST(X509CertText, OfACertificateThatIsValidTo2045SaysSo) {
+    const std::shared_ptr<X509Cert> cert = X509Cert::loadFromPEMStr(VALID_TO_2045_PEM);
+
+    EXPECT_TRUE(cert->isTimeValid());
+    EXPECT_EQ(toText(cert->getCommonName()), "device-2045");
+    EXPECT_EQ(X509Cert::print(X509_get0_notAfter(cert->getX509())), "Dec 31 23:59:59 2045 GMT");
+    const std::string text = cert->toString();
+    EXPECT_NE(text.find("Not Before: Jan  1 00:00:00 2000 GMT\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("Not After : Dec 31 23:59:59 2045 GMT\n"), std::string::npos) << text;
+    EXPECT_EQ(X509Cert::decode(cert->encode())->toString(), text);
+}
+
 TEST(X509CertText, IsOpenSSLsDescription) {
     for (const RawKey& key : {rsa1024(), ec(), ed25519()}) {
         CertForm form;

@@ -8,6 +8,9 @@ KEY_HEX=2b7e151628aed2a6abf7158809cf4f3c
 IV_HEX=000102030405060708090a0b0c0d0e0f
 WRONG_KEY_HEX=00000000000000000000000000000000
 
+# Of the sizes that a test goes through one by one, an emulator is given every so many.
+STRIDE=${VORL_STRIDE:-1}
+
 CANNOT_OPEN='the message cannot be opened: wrong key or damaged data'
 
 setup() {

@@ -79,7 +79,7 @@ INSPECT_HINT="'vorl inspect --as signature' shows where it goes wrong"
 @test "each truncation of a record is malformed" {
     rsa_key service
     signed service note | openssl base64 -d -A >raw
-    for ((size = 1; size < 131; size += 1)); do
+    for ((size = 1; size < 131; size += STRIDE)); do
         head -c $size raw >short
         run --separate-stderr vorl verify -k service.pub -s short note
         equals "$size: $status" "$size: 3"

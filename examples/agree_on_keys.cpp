@@ -1,7 +1,7 @@
 // Two parties that share nothing but a group agree on keys, and exchange a message under them.
 //
 // The service and the device run in one process here, so that the program is a whole; in the field, only the
-// two texts travel, and something proves who sent them: see SECURITY.md.
+// two texts travel, and something proves who sent them: see docs/security.md.
 
 #include <vorl/vorl.h>
 

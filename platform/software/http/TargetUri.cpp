@@ -11,9 +11,21 @@ namespace {
 
 const std::size_t NONE = std::string::npos;
 const std::size_t MAX_PORT_DIGITS = 5;
+const unsigned long MAX_PORT = 65535;
 
 bool belongsInUri(char c) {
     return c > ' ' && c <= '~' && std::string("\"<>\\^`{|}#").find(c) == NONE;
+}
+
+// Brackets stand around an IPv6 address and nowhere else.
+bool isHost(const std::string& host) {
+    if (host.empty() || host.find('@') != NONE) {
+        return false;
+    }
+    if (host.front() != '[') {
+        return host.find_first_of("[]") == NONE;
+    }
+    return host.size() > 2 && host.find(']') == host.size() - 1 && host.rfind('[') == 0;
 }
 
 // The host in lower case, and the port unless it is the scheme's own. Nothing where either is wrong.
@@ -22,17 +34,19 @@ std::optional<std::string> normalized(const std::string& authority, const std::s
     const std::size_t bracket = authority.rfind(']');
     const std::size_t colon = authority.find(':', bracket == NONE ? 0 : bracket);
     const std::string host = lowerCase(authority.substr(0, colon));
-    if (host.empty() || host.find('@') != NONE) {
+    if (!isHost(host)) {
         return std::nullopt;
     }
     const std::string port = colon == NONE ? "" : authority.substr(colon + 1);
     if (port.size() > MAX_PORT_DIGITS || port.find_first_not_of("0123456789") != NONE) {
         return std::nullopt;
     }
-    if (port.empty() || port == (scheme == "https" ? "443" : "80")) {
-        return host;
+    const unsigned long ownPort = scheme == "https" ? 443 : 80;
+    const unsigned long number = port.empty() ? ownPort : std::stoul(port);
+    if (number > MAX_PORT) {
+        return std::nullopt;
     }
-    return host + ":" + port;
+    return number == ownPort ? host : host + ":" + std::to_string(number);
 }
 
 }  // namespace

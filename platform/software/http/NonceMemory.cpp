@@ -9,6 +9,10 @@ bool NonceMemory::take(const std::string& nonce, std::int64_t now, std::int64_t 
     if (until_.size() >= most_) {
         forget(now);
     }
+    // After the clock has gone back, it may be one of those that are forgotten.
+    if (until < forgotten_) {
+        return false;
+    }
     if (until_.size() >= most_ && until_.count(nonce) == 0) {
         return false;
     }
@@ -25,6 +29,7 @@ void NonceMemory::forget(std::int64_t now) {
     if (firstLapse_ >= now) {
         return;
     }
+    forgotten_ = now;
     firstLapse_ = std::numeric_limits<std::int64_t>::max();
     for (auto entry = until_.begin(); entry != until_.end();) {
         if (entry->second < now) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <unordered_map>
 
@@ -15,7 +16,8 @@ public:
     /// let its message pass a second time.
     explicit NonceMemory(std::size_t most) : most_(most) {}
 
-    /// Whether the nonce is new at that time, in seconds. It is then kept until after `until`.
+    /// Whether the nonce is new at that time, in seconds. It is then kept until after `until`. After the
+    /// clock has gone back, one that may be among the forgotten is not new.
     bool take(const std::string& nonce, std::int64_t now, std::int64_t until);
 
 private:
@@ -25,6 +27,8 @@ private:
     std::unordered_map<std::string, std::int64_t> until_;
     // No nonce that is kept lapses before.
     std::int64_t firstLapse_ = 0;
+    // All that lapsed before may be forgotten.
+    std::int64_t forgotten_ = std::numeric_limits<std::int64_t>::min();
 };
 
 }  // namespace tarvik::http

@@ -20,13 +20,14 @@ set(vorl_generated_dir "${PROJECT_BINARY_DIR}/install")
 install(EXPORT vorl NAMESPACE vorl:: FILE vorl-targets.cmake
     DESTINATION "${vorl_package_dir}" COMPONENT development)
 if(TARGET vorl_testkit)
-    # Apart from the library's, because it needs GoogleTest: find_package(vorl COMPONENTS testkit).
+    # Apart from the library's, because it speaks of GoogleTest: find_package(vorl COMPONENTS testkit).
     install(TARGETS vorl_testkit vorl_testkit_gtest EXPORT vorl-testkit
         ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
         FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development)
     install(EXPORT vorl-testkit NAMESPACE vorl:: FILE vorl-testkit-targets.cmake
         DESTINATION "${vorl_package_dir}" COMPONENT development)
 endif()
+
 # Who links the library calls OpenSSL through its headers as well, and gets on only with the major version it was built for.
 string(REGEX MATCH "^[0-9]+" vorl_openssl_major "${OPENSSL_VERSION}")
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/vorl-config.cmake.in"
@@ -36,14 +37,6 @@ configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/vorl-config.cmake.in"
 write_basic_package_version_file("${vorl_generated_dir}/vorl-config-version.cmake" COMPATIBILITY SameMajorVersion)
 install(FILES "${vorl_generated_dir}/vorl-config.cmake" "${vorl_generated_dir}/vorl-config-version.cmake"
     DESTINATION "${vorl_package_dir}" COMPONENT development)
-
-if(TARGET vorl_testkit)
-    install(TARGETS vorl_testkit vorl_testkit_gtest EXPORT vorl_testkit
-        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
-        FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development)
-    install(EXPORT vorl_testkit NAMESPACE vorl:: FILE vorl-testkit-targets.cmake
-        DESTINATION "${vorl_package_dir}" COMPONENT development)
-endif()
 
 # vorl_path_between(FROM TO RESULT): the way from one installed folder to another, which stays the same when both move.
 function(vorl_path_between from to result)

@@ -8,7 +8,7 @@ setup_file() {
     : "${VORL:?}"
     export COMPLETIONS=$BATS_TEST_DIRNAME/../../tools/vorl/completions
     cd "$BATS_FILE_TMPDIR" || return 1
-    help_table vorl >help
+    read_help help
     values_of_options >values
     mkdir folder folder/inner && echo hello >folder/note
     questions >lines
@@ -127,8 +127,7 @@ a_line_goes_on_where_it_stands() { # SHELL
     offers "$1" "vorl protect note -" $(in_help help "vorl protect" option)
 }
 
-@test "the help is read as it is" {
-    finds_what_is_known help
+@test "the values of an option are what the tool names" {
     offers values "vorl protect --level" full test none
     offers values "vorl unprotect --accept" full test none
     offers values "vorl digest -a" SHA1 SHA224 SHA256 SHA384 SHA512

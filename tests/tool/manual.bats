@@ -5,7 +5,7 @@ load support
 load help_support
 
 setup_file() {
-    help_table vorl >"$BATS_FILE_TMPDIR/help"
+    read_help "$BATS_FILE_TMPDIR/help"
 }
 
 setup() {
@@ -46,10 +46,6 @@ synopsis() { # PAGE COMMAND
 
 is_group() { # COMMAND
     [ -n "$(in_help "$help" "$1" command)" ]
-}
-
-@test "the help is read as it is" {
-    finds_what_is_known "$help"
 }
 
 @test "each command has a page, and each page a command" {

@@ -2,6 +2,7 @@
 #define VORL_TESTKIT_EXPECTATIONS_H
 
 #include <exception>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <typeinfo>
@@ -46,19 +47,24 @@ auto doing(const std::string& subject, Action&& action) {
     }
 }
 
-/// Calls what may be refused. False where it is: by an exception, which derives from std::exception.
+/// Calls what may be refused, and describes the exception that refuses it, which derives from std::exception.
 template <typename Action>
-bool accepts(const std::string& subject, Action&& action) {
+std::optional<std::string> refusalOf(const std::string& subject, Action&& action) {
     try {
         std::forward<Action>(action)();
-        return true;
+        return std::nullopt;
     } catch (const Failure&) {
         throw;
-    } catch (const std::exception&) {
-        return false;
+    } catch (const std::exception& fault) {
+        return describe(fault);
     } catch (...) {
         throw Failure(subject + " throws something that is no std::exception");
     }
+}
+
+template <typename Action>
+bool accepts(const std::string& subject, Action&& action) {
+    return !refusalOf(subject, std::forward<Action>(action));
 }
 
 /// Calls what must be refused.

@@ -4,7 +4,8 @@
 load support
 
 COMMANDS=(protect unprotect inspect digest hmac "dh params new" "dh params show" "dh params check" "dh new" "dh pub"
-    "dh secret" "keys derive" sign verify "cert show" "cert check" vectors doctor)
+    "dh secret" "keys derive" sign verify "cert show" "cert check" vectors
+    "platform check" doctor)
 
 @test "without a command, the usage is wrong" {
     refuses 2 "a command is needed" "'vorl --help' lists the commands" vorl

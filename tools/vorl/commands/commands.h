@@ -32,6 +32,7 @@ Run declareVerify(CLI::App& command);
 Run declareCertShow(CLI::App& command);
 Run declareCertCheck(CLI::App& command);
 Run declareVectors(CLI::App& command);
+Run declarePlatformCheck(CLI::App& command);
 Run declareDoctor(CLI::App& command);
 
 /// The first words of commands that have several, such as "dh params" of "dh params new".
@@ -46,6 +47,7 @@ inline constexpr CommandGroup COMMAND_GROUPS[] = {
     {"dh params", "Make and judge the groups that an agreement takes place in"},
     {"keys", "Derive the keys of a client"},
     {"cert", "Show or judge a certificate"},
+    {"platform", "Judge the platform that the library stands on"},
 };
 
 struct Command {
@@ -74,6 +76,7 @@ inline constexpr Command COMMANDS[] = {
     {"cert show", "Show what a certificate says", declareCertShow},
     {"cert check", "Judge the time and the key of a certificate", declareCertCheck},
     {"vectors", "Write sample records for the tests of other implementations", declareVectors},
+    {"platform check", "Hold the platform against all that the library asks of one", declarePlatformCheck},
     {"doctor", "Check what the tool depends on", declareDoctor},
 };
 

@@ -88,7 +88,8 @@ struct Check {
 const std::vector<Check>& checks();
 
 /// Makes one check. The platform, and the library on it, must not have been started; afterwards it is
-/// stopped. What the platform throws is caught and told.
+/// stopped. What an application sets before it starts them, such as Random::init_, is the caller's to set.
+/// What the platform throws is caught and told.
 Finding run(const Check& check, const Platform& platform);
 
 }  // namespace vorl::testkit

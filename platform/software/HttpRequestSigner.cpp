@@ -192,9 +192,8 @@ std::vector<Item> parsedComponents(const std::vector<std::string>& texts) {
 
 std::shared_ptr<const HttpSignatureProfile> usualProfile() {
     // One for all signers.
-    static const std::shared_ptr<const HttpSignatureProfile> PROFILE =
-        std::make_shared<const HttpSignatureProfile>();
-    return PROFILE;
+    static const auto& profile = *new auto(std::make_shared<const HttpSignatureProfile>());
+    return profile;
 }
 
 }  // namespace

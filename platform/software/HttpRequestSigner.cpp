@@ -202,7 +202,7 @@ std::shared_ptr<const HttpSignatureProfile> usualProfile() {
 class HttpRequestSigner::Engine {
 public:
     Engine(const Octets& key, std::shared_ptr<const HttpSignatureProfile> profile)
-        : key_(key), profile_(std::move(profile)), components_(parsedComponents(profile_->components)) {
+        : profile_(std::move(profile)), components_(parsedComponents(profile_->components)) {
         if (!http::structured::isKey(profile_->label) || !http::structured::isString(profile_->tag)) {
             refuse("the signature's label or tag cannot be written");
         }
@@ -210,6 +210,8 @@ public:
             refuse("the signature's lifetime is negative");
         }
         checkParameters();
+        // Behind all that may throw: no destructor wipes a half-made object.
+        key_ = key;
     }
     ~Engine() { OPENSSL_cleanse(key_.data(), key_.size()); }
 

@@ -53,6 +53,8 @@ const std::size_t MOST_NONCE_CHARACTERS = 64;
 // How far the clocks of two machines may be apart, and how long a message may travel.
 const std::int64_t MOST_SECONDS_AHEAD = 5;
 const std::int64_t MOST_SECONDS_OLD = 300;
+// What an Integer of a structured field carries.
+const std::int64_t MOST_SECONDS = 999999999999999;
 
 [[noreturn]] void refuse(const std::string& problem) {
     throw vorl::VORLException(problem);
@@ -190,6 +192,13 @@ std::vector<Item> parsedComponents(const std::vector<std::string>& texts) {
     return components;
 }
 
+std::int64_t writable(std::int64_t seconds) {
+    if (seconds < -MOST_SECONDS || seconds > MOST_SECONDS) {
+        refuse("the signature's time cannot be written");
+    }
+    return seconds;
+}
+
 std::shared_ptr<const HttpSignatureProfile> usualProfile() {
     // One for all signers.
     static const auto& profile = *new auto(std::make_shared<const HttpSignatureProfile>());
@@ -209,6 +218,7 @@ public:
         if (profile_->lifetime < 0) {
             refuse("the signature's lifetime is negative");
         }
+        writable(profile_->lifetime);
         checkParameters();
         // Behind all that may throw: no destructor wipes a half-made object.
         key_ = key;
@@ -259,7 +269,7 @@ void HttpRequestSigner::Engine::checkParameters() const {
 }
 
 std::int64_t HttpRequestSigner::Engine::now() const {
-    return profile_->clock ? profile_->clock() : static_cast<std::int64_t>(std::time(nullptr));
+    return writable(profile_->clock ? profile_->clock() : static_cast<std::int64_t>(std::time(nullptr)));
 }
 
 std::vector<Item> HttpRequestSigner::Engine::componentsOf(const SignedMessage& message) const {
@@ -272,7 +282,7 @@ BareItem HttpRequestSigner::Engine::parameterFor(const std::string& name, const 
         return created;
     }
     if (name == "expires") {
-        return created + profile_->lifetime;
+        return writable(created + profile_->lifetime);
     }
     if (name == "nonce") {
         const Octets text = Tarvik::BrisClient::Base64::encode(vorl::Random::next(NONCE_BYTES));

@@ -26,7 +26,8 @@ struct HttpSignatureProfile {
     /// "content-digest", and where the request is known the first four of it, with a body its
     /// "content-digest", and its "signature" if it has one.
     std::vector<std::string> components;
-    /// The parameters, in order; each of them must be there to be verified. These are the ones there are.
+    /// The parameters, in order; each of them must be there to be verified, and in any case "created" and
+    /// "keyid". These are the ones there are.
     std::vector<std::string> parameters = {"created", "expires", "nonce", "keyid", "alg", "tag"};
     /// The value of the parameter "tag".
     std::string tag = "vorl-1";
@@ -34,7 +35,7 @@ struct HttpSignatureProfile {
     std::int64_t lifetime = 300;
     /// How many nonces are remembered at a time; a signature with a further one is refused.
     std::size_t mostNonces = 65536;
-    /// Seconds since 1970; the system's clock where there is none.
+    /// Seconds since 1970, of at most 15 digits; the system's clock where there is none.
     std::function<std::int64_t()> clock;
 };
 
@@ -49,7 +50,7 @@ public:
     explicit HttpRequestSigner(const std::vector<unsigned char>& key);
     /// Throws vorl::VORLException for a profile that cannot be written: a label that is no key of a
     /// structured field, a component or a parameter that is not known or stands twice, a tag that is not
-    /// ASCII, a negative lifetime.
+    /// ASCII, a lifetime that is negative or has more than 15 digits.
     HttpRequestSigner(const std::vector<unsigned char>& key, const HttpSignatureProfile& profile);
     ~HttpRequestSigner() override;
 

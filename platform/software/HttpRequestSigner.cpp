@@ -139,6 +139,11 @@ void removeSignature(Fields& fields, const std::string& label) {
 }
 
 void setContentDigest(Fields& fields, const Octets& body) {
+    const std::optional<std::string> present = http::fieldValue(fields, CONTENT_DIGEST);
+    if (present && http::isContentDigestOf(*present, body)) {
+        // Somebody else's signature may cover it, and what it has beside the SHA-256.
+        return;
+    }
     fields.erase(std::remove_if(fields.begin(), fields.end(),
                                 [](const auto& field) { return http::isNamed(field, CONTENT_DIGEST); }),
                  fields.end());

@@ -285,6 +285,18 @@ TEST_F(HttpRequestSignerTest, TwoLabelsStandSideBySide) {
     EXPECT_TRUE(HttpRequestSigner(octets(20), other).verifyRequest("other", request));
 }
 
+// Somebody else may have signed it.
+TEST_F(HttpRequestSignerTest, KeepsADigestThatIsRight) {
+    Request request = postRequest();
+    const std::string both = "sha-512=" + rawOctetField(rawDigest(EVP_sha512(), request.body)) + ", " +
+                             rawContentDigest(request.body);
+    request.fields.insert(request.fields.begin(), {"content-digest", both});
+    const Fields before = request.fields;
+    signer_.sign(KEYID, request);
+    EXPECT_EQ(Fields(request.fields.begin(), request.fields.end() - 2), before);
+    EXPECT_TRUE(signer_.verifyRequest(KEYID, request));
+}
+
 TEST_F(HttpRequestSignerTest, ReplacesADigestThatIsNot) {
     const bytes body = postRequest().body;
     for (const std::string& wrong :

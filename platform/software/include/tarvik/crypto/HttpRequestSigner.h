@@ -61,10 +61,11 @@ public:
     /// that the same bytes never are cipher key and signing key.
     static std::vector<unsigned char> keyOfContext(const std::vector<unsigned char>& contextKey);
 
-    /// Appends the fields Signature-Input and Signature and, where it is covered, Content-Digest. Fields of
-    /// these that this operation has added before are replaced, so that a request can be sent again. Throws
-    /// vorl::VORLException for what cannot be signed (the text names the component), and where vorl::Random
-    /// is not initialised; the request is then as it was.
+    /// Appends the fields Signature-Input and Signature and, where it is covered, Content-Digest, unless
+    /// there is one that has the SHA-256 of the body. Signatures that this operation has added before are
+    /// replaced, so that a request can be sent again, and so is a digest of another body. Throws
+    /// vorl::VORLException for what cannot be signed (the text names the component), and
+    /// vorl::OpenSSLException where vorl::Random is not initialised; the request is then as it was.
     void sign(const std::string& keyid, tarvik::http::IHttpStream::Request& request) override;
     /// Whether the response carries one signature under the profile's label, by this key and keyid, in time
     /// and for the first time, over all that the profile covers, and the body is the one that was digested.

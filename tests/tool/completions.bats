@@ -44,6 +44,7 @@ vorl protect --lev
 vorl protect --raw 
 vorl protect -- 
 vorl protect note -
+vorl platform check --own-keys note 
 vorl protect --level=t
 vorl unprotect --accept full,
 vorl unprotect --accept=none,t
@@ -123,6 +124,7 @@ a_line_goes_on_where_it_stands() { # SHELL
     offers "$1" "vorl protect --lev" --level
     offers "$1" "vorl protect --raw " inner note
     offers "$1" "vorl protect -- " inner note
+    offers "$1" "vorl platform check --own-keys note " inner note
     # shellcheck disable=SC2046
     offers "$1" "vorl protect note -" $(in_help help "vorl protect" option)
 }

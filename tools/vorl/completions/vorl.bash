@@ -5,7 +5,7 @@
 _vorl_describe() { # COMMAND
     subcommands="" options="" operands=""
     case $1 in
-        vorl) subcommands="protect unprotect inspect digest hmac dh keys sign verify cert doctor vectors" ;;
+        vorl) subcommands="protect unprotect inspect digest hmac dh keys sign verify cert doctor vectors platform" ;;
         "vorl protect") options="-k --key --key-fd --key-format --level --raw -o --output" operands=files ;;
         "vorl unprotect") options="-k --key --key-fd --key-format --accept --raw -o --output" operands=files ;;
         "vorl inspect") options="--json --as --show-secrets" operands=files ;;
@@ -27,6 +27,8 @@ _vorl_describe() { # COMMAND
         "vorl cert check") options="--at" operands=files ;;
         "vorl doctor") options="--json" ;;
         "vorl vectors") options="-o --output --force" ;;
+        "vorl platform") subcommands="check" ;;
+        "vorl platform check") options="--json --own-keys" ;;
     esac
     options+=" -h --help --version"
 }
@@ -47,7 +49,7 @@ _vorl_value() { # COMMAND OPTION
             words=files
             [[ $1 != "vorl vectors" ]] || words=folders
             ;;
-        -k | --key | -p | --params | -s | --signature | --cert | --secret | --id-file | --enc-out | --hmac-out) words=files ;;
+        -k | --key | -p | --params | -s | --signature | --cert | --own-keys | --secret | --id-file | --enc-out | --hmac-out) words=files ;;
         --key-fd | --bits | --verify | --at) ;;
         *) return 1 ;;
     esac
@@ -80,6 +82,8 @@ _vorl() {
         current=""
     elif [[ $previous == "=" ]]; then
         previous=${COMP_WORDS[COMP_CWORD - 2]}
+    elif [[ $COMP_CWORD -gt 2 && ${COMP_WORDS[COMP_CWORD - 2]} == --own-keys ]]; then
+        previous=--own-keys # which takes two
     fi
 
     _vorl_describe vorl

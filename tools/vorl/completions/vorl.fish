@@ -15,6 +15,12 @@ function __vorl_digests
     printf '%s\n' SHA1 SHA224 SHA256 SHA384 SHA512
 end
 
+# The word before the cursor is the first of the two that this option takes.
+function __vorl_within
+    set -l typed (commandline -opc)
+    test (count $typed) -gt 1; and test "$typed[-2]" = "$argv"
+end
+
 # Levels that may go on with a list that is separated by commas.
 function __vorl_levels
     set -l before (string match -r '.*,' -- (commandline -ct | string replace -r '^--accept=' ''))
@@ -39,6 +45,7 @@ complete -c vorl -n __vorl_after -a verify -d 'Verify a signature with a public 
 complete -c vorl -n __vorl_after -a cert -d 'Show or judge a certificate'
 complete -c vorl -n __vorl_after -a doctor -d 'Check what the tool depends on'
 complete -c vorl -n __vorl_after -a vectors -d 'Write sample records for the tests of other implementations'
+complete -c vorl -n __vorl_after -a platform -d 'Judge the platform that the library stands on'
 
 complete -c vorl -n '__vorl_after dh' -a params -d 'Make and judge the groups that an agreement takes place in'
 complete -c vorl -n '__vorl_after dh' -a new -d 'Make a key pair in a group'
@@ -48,6 +55,7 @@ complete -c vorl -n '__vorl_after dh params' -a new -d 'Search for a new group'
 complete -c vorl -n '__vorl_after dh params' -a show -d 'Show the numbers of a group'
 complete -c vorl -n '__vorl_after dh params' -a check -d 'Let OpenSSL judge a group'
 complete -c vorl -n '__vorl_after keys' -a derive -d 'Derive the encryption key and the HMAC key of a client'
+complete -c vorl -n '__vorl_after platform' -a check -d 'Hold the platform against all that the library asks of one'
 complete -c vorl -n '__vorl_after cert' -a show -d 'Show what a certificate says'
 complete -c vorl -n '__vorl_after cert' -a check -d 'Judge the time and the key of a certificate'
 
@@ -71,7 +79,7 @@ end
 for command in digest hmac
     complete -c vorl -n "__vorl_in $command" -s a -l algorithm -xa '(__vorl_digests)' -d 'Digest'
 end
-for command in inspect 'cert show' doctor
+for command in inspect 'cert show' doctor 'platform check'
     complete -c vorl -n "__vorl_in $command" -l json -d 'Write JSON'
 end
 for command in inspect 'keys derive'
@@ -100,3 +108,5 @@ complete -c vorl -n '__vorl_in verify' -s s -l signature -rF -d 'File that holds
 complete -c vorl -n '__vorl_in verify' -l ignore-time -d 'Do not check the validity period of the certificate'
 complete -c vorl -n '__vorl_in vectors' -s o -l output -xa '(__fish_complete_directories)' -d 'Folder to write the files to'
 complete -c vorl -n '__vorl_in vectors' -l force -d 'Replace files that are there already'
+complete -c vorl -n '__vorl_in platform check' -l own-keys -rF -d 'Files with the bytes of two keys of the platform'
+complete -c vorl -n '__vorl_in platform check; and __vorl_within --own-keys' -F

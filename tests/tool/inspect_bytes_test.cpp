@@ -2,6 +2,7 @@
 
 #include "LibraryState.h"
 #include "block_encoder.h"
+#include "covered_bytes.h"
 #include "messageOf.h"
 #include "octets.h"
 #include "vorl/VORLException.h"
@@ -15,6 +16,7 @@ namespace {
 using Tarvik::BrisClient::Base64;
 using vorl::bytes;
 using vorl::test::block;
+using vorl::test::coveredBytes;
 using vorl::test::fromHex;
 using vorl::test::fromText;
 using vorl::test::messageOf;
@@ -30,15 +32,6 @@ using vorl::tool::Secrets;
 std::vector<bytes> envelopes(std::size_t bodyBytes) {
     const bytes body = block(octets(bodyBytes));
     return {fromHex("02") + block(octets(16)) + body, fromHex("01") + body, fromHex("00") + body};
-}
-
-std::uint64_t coveredBytes(const Report& report) {
-    std::uint64_t end = 0;
-    for (const Field& field : report.fields) {
-        EXPECT_EQ(field.offset, end);
-        end += field.length;
-    }
-    return end;
 }
 
 // A signature record with a value of `valueBytes`, straight from the format.

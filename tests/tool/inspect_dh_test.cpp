@@ -2,6 +2,7 @@
 
 #include "LibraryState.h"
 #include "block_encoder.h"
+#include "covered_bytes.h"
 #include "octets.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@ namespace {
 
 using vorl::bytes;
 using vorl::test::block;
+using vorl::test::coveredBytes;
 using vorl::test::fromHex;
 using vorl::test::octets;
 using vorl::test::slice;
@@ -35,15 +37,6 @@ bytes state() {
 
 bytes record(std::size_t keyBytes) {
     return fromHex("00000002") + block(octets(keyBytes));
-}
-
-std::uint64_t coveredBytes(const Report& report) {
-    std::uint64_t end = 0;
-    for (const Field& field : report.fields) {
-        EXPECT_EQ(field.offset, end);
-        end += field.length;
-    }
-    return end;
 }
 
 class InspectDh : public vorl::test::StartedLibrary {};

@@ -51,10 +51,16 @@ vorl unprotect --accept=none,t
 LINES
 }
 
-# The words that an option takes, as the tool names them when it refuses another one.
+takes_path() { # TYPE
+    [[ $1 == FILE || $1 == STATE || $1 == SECRET || $1 == DIR ]]
+}
+
+# The words that an option takes, as the tool names them when it refuses another one. A file it would not refuse, but
+# go to work, which in a search for a group takes long.
 values_of_options() {
     local command option type
     options_with_values | while IFS=$'\t' read -r command option type; do
+        ! takes_path "$type" || continue
         # shellcheck disable=SC2086
         "$VORL" ${command#vorl} "$option" frobnicate 2>&1 </dev/null | sed -nE \
             -e 's/.* not in \{(.*)\}$/\1/p' -e 's/.* is not (.*, .* or .*)$/\1/p' \

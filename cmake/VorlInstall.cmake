@@ -19,6 +19,17 @@ set(vorl_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/vorl")
 set(vorl_generated_dir "${PROJECT_BINARY_DIR}/install")
 install(EXPORT vorl NAMESPACE vorl:: FILE vorl-targets.cmake
     DESTINATION "${vorl_package_dir}" COMPONENT development)
+# Archives go to people with other compilers: they hold machine code, not what this one's link-time optimiser reads.
+set(vorl_archived vorl_testkit)
+if(NOT BUILD_SHARED_LIBS)
+    list(APPEND vorl_archived vorl vorl_software_platform)
+endif()
+foreach(target IN LISTS vorl_archived)
+    if(TARGET ${target})
+        set_target_properties(${target} PROPERTIES INTERPROCEDURAL_OPTIMIZATION OFF)
+    endif()
+endforeach()
+
 if(TARGET vorl_testkit)
     # Apart from the library's, because it speaks of GoogleTest: find_package(vorl COMPONENTS testkit).
     install(TARGETS vorl_testkit vorl_testkit_gtest EXPORT vorl-testkit
@@ -77,7 +88,7 @@ install(FILES
     "${PROJECT_SOURCE_DIR}/SECURITY.md"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs"
-    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation FILES_MATCHING PATTERN "*.md")
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation FILES_MATCHING PATTERN "*.md" PATTERN man EXCLUDE)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
     REGEX "/examples/CMakeLists\\.txt$" EXCLUDE)

@@ -12,6 +12,8 @@ set(VORL_PACKAGE_RELEASE 1 CACHE STRING "The revision of the packages made of th
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME vorl)
+# Each package has a description of its own.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_PACKAGE_VERSION "${PROJECT_VERSION}")
 set(CPACK_PACKAGE_CONTACT "${VORL_PACKAGE_CONTACT}")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
@@ -28,38 +30,43 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # The packages of one version belong together; those of others need this version of the library or a later one.
 set(vorl_package_version "${PROJECT_VERSION}-${VORL_PACKAGE_RELEASE}")
 set(vorl_runtime_package "libvorl${PROJECT_VERSION_MAJOR}")
-set(vorl_purpose " libVORL protects what an application on a device exchanges with its service: it agrees
- keys by Diffie-Hellman, wraps messages in a small versioned envelope, opens what it receives under a
- policy, and makes and verifies RSA signatures.")
+set(vorl_purpose "libVORL protects what an application on a device exchanges with its
+service: it agrees keys by Diffie-Hellman, wraps messages in a small
+versioned envelope, opens what it receives under a policy, and makes and
+verifies RSA signatures.")
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME "${vorl_runtime_package}")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
-set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "protects messages between a device and its service
+# Written out, since CPack would have each package run ldconfig by itself.
+file(CONFIGURE OUTPUT "${vorl_generated_dir}/shlibs"
+    CONTENT "libvorl ${PROJECT_VERSION_MAJOR} ${vorl_runtime_package} (>= ${vorl_package_version})\n")
+file(CONFIGURE OUTPUT "${vorl_generated_dir}/triggers" CONTENT "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${vorl_generated_dir}/shlibs;${vorl_generated_dir}/triggers")
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "message security for devices
 ${vorl_purpose}
- .
- This package has the shared library.")
+
+This package has the shared library.")
 
 set(CPACK_DEBIAN_DEVELOPER_PACKAGE_NAME libvorl-dev)
 set(CPACK_DEBIAN_DEVELOPER_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPER_PACKAGE_DEPENDS "${vorl_runtime_package} (= ${vorl_package_version}), libssl-dev")
 set(CPACK_DEBIAN_DEVELOPER_PACKAGE_SUGGESTS "libgtest-dev, pkg-config")
-set(CPACK_COMPONENT_GROUP_DEVELOPER_DESCRIPTION "protects messages between a device and its service - development
+set(CPACK_DEBIAN_DEVELOPER_DESCRIPTION "message security for devices - development files
 ${vorl_purpose}
- .
- This package has the headers, the packages for CMake and pkg-config, texts and examples.")
+
+This package has what programs need to be built: the headers, the packages
+for CMake and pkg-config, texts and examples.")
 
 set(CPACK_DEBIAN_TOOL_PACKAGE_NAME vorl)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_TOOL_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}")
 set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "${vorl_runtime_package} (>= ${vorl_package_version})")
-set(CPACK_COMPONENT_TOOL_DESCRIPTION "protects messages between a device and its service - tool
+set(CPACK_DEBIAN_TOOL_DESCRIPTION "message security for devices - command-line tool
 ${vorl_purpose}
- .
- This package has the command-line tool, which does the same with files.")
+
+This package has the command-line tool, which does the same with files.")
 
 set(CPACK_COMPONENTS_ALL runtime development documentation tool)
 include(CPack)

@@ -14,6 +14,18 @@ Sgh5jjQE3e+VGbPNOkMbMCsKbfJfFDdP4TVtbVHCReSFtXZiXn7G9ExC6aY37WsL
 -----END DH PARAMETERS-----
 )";
 
+void startLibrary() {
+    // OpenSSL 1.1.1 and later seed themselves.
+    vorl::Random::init_ = true;
+    vorl::VORLLib::init();
+    vorl::VORLLib::setAllowedEncryptionType(vorl::EncryptionType::NULL_CIPHER(), false);
+    vorl::VORLLib::setAllowedEncryptionType(vorl::EncryptionType::TEST_CIPHER(), false);
+}
+
+void refuse(const std::string& reason) {
+    throw std::runtime_error(reason);
+}
+
 vorl::bytes octetsOf(const std::string& text) {
     return vorl::bytes(text.begin(), text.end());
 }
@@ -29,8 +41,7 @@ std::vector<std::string> linesOf(const std::string& text, std::size_t count) {
         lines.push_back(line);
     }
     if (lines.size() != count) {
-        throw std::runtime_error("a text of " + std::to_string(lines.size()) + " lines, not " +
-                                 std::to_string(count));
+        refuse("a text of " + std::to_string(lines.size()) + " lines, not " + std::to_string(count));
     }
     return lines;
 }
@@ -43,7 +54,7 @@ vorl::bytes agreementOf(const std::string& session, const std::string& deviceRec
 vorl::ClientKeys keysOf(const vorl::DiffieHellman& own, const std::string& peerRecord) {
     const vorl::bytes secret = own.computeSharedSecret(octetsOf(peerRecord));
     if (std::all_of(secret.begin(), secret.end(), [](unsigned char octet) { return octet == 0; })) {
-        throw std::runtime_error("the peer sent a number that fixes the secret");
+        refuse("the peer sent a number that fixes the secret");
     }
     return vorl::ClientKeys(secret);
 }

@@ -29,18 +29,23 @@ inline constexpr char AGREE[] = "/v1/agree";
 inline constexpr char MESSAGES[] = "/v1/messages";
 inline constexpr char CONTENT_TYPE[] = "application/octet-stream";
 
+/// The library as both want it: full encryption alone.
+void startLibrary();
+
+/// Throws std::runtime_error, as do all refusals here.
+[[noreturn]] void refuse(const std::string& reason);
+
 vorl::bytes octetsOf(const std::string& text);
 std::string textOf(const vorl::bytes& octets);
 
-/// Exactly so many lines, without their ends. Throws std::runtime_error for a text of fewer or more.
+/// Exactly so many lines, without their ends. Refuses a text of fewer or more.
 std::vector<std::string> linesOf(const std::string& text, std::size_t count);
 
 /// What the service signs to prove that an agreement is its own.
 vorl::bytes agreementOf(const std::string& session, const std::string& deviceRecord,
                         const std::string& serviceRecord);
 
-/// The keys of an agreement. Throws std::runtime_error for a peer that fixes the secret at zero, which
-/// anybody knows.
+/// The keys of an agreement. Refuses a peer that fixes the secret at zero, which anybody knows.
 vorl::ClientKeys keysOf(const vorl::DiffieHellman& own, const std::string& peerRecord);
 
 /// What a receipt says.

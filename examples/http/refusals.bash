@@ -1,0 +1,104 @@
+#!/usr/bin/env bash
+# refusals.bash PROGRAMS KEYS: the service refuses whatever is not for it by the same octets, goes on, and ends when told.
+programs=$1 keys=$2
+# shellcheck source=examples/http/support.bash
+. "${BASH_SOURCE[0]%/*}/support.bash"
+
+start service "$programs/service" "$keys/service.key.pem"
+service=$process
+port=${url##*:}
+printf 'HTTP/1.1 403 Forbidden\r\nConnection: close\r\nContent-Length: 0\r\n\r\n' >refusal
+
+# ask NAME: standard input goes to the service, what comes back to NAME.answer.
+ask() {
+    local connection
+    exec {connection}<>"/dev/tcp/127.0.0.1/$port"
+    cat >&"$connection"
+    timeout 60 cat <&"$connection" >"$1.answer" || fail "$1: the connection does not end"
+    exec {connection}>&-
+}
+
+# refused NAME REQUEST [REASON]: by the known octets, and for this reason in the log.
+refused() {
+    local before
+    before=$(wc -l <service.log)
+    printf '%b' "$2" | ask "$1"
+    cmp refusal "$1.answer" || fail "$1: it is refused in another way"
+    [[ -z ${3-} || $(tail -n "+$((before + 1))" service.log) == "refused: $3" ]] ||
+        fail "$1: the reason in the log is another one"
+}
+
+host='Host: 127.0.0.1\r\n'
+type='Content-Type: application/octet-stream\r\n'
+agree="POST /v1/agree HTTP/1.1\r\n$host$type"
+messages="POST /v1/messages HTTP/1.1\r\n$host$type"
+signed='Signature-Input: vorl=("@method");created=1;keyid="00";alg="hmac-sha256"\r\nSignature: vorl=:AAAA:\r\n'
+plainly='a request does not say plainly how long it is'
+
+refused unknown-path "POST /v1/other HTTP/1.1\r\n${host}Content-Length: 0\r\n\r\n" 'nothing is served there'
+refused other-method "GET /v1/agree HTTP/1.1\r\n$host\r\n" 'nothing is served there'
+refused head-only "HEAD /v1/agree HTTP/1.1\r\n$host\r\n" 'nothing is served there'
+refused no-host "POST /v1/agree HTTP/1.1\r\nContent-Length: 0\r\n\r\n" 'a request names no host, or several'
+refused two-hosts "POST /v1/agree HTTP/1.1\r\n$host${host}Content-Length: 0\r\n\r\n" 'a request names no host, or several'
+refused no-length "$agree\r\nAAAA\n" "$plainly"
+refused two-lengths "${agree}Content-Length: 5\r\nContent-Length: 6\r\n\r\nAAAA\n" "$plainly"
+refused negative-length "${agree}Content-Length: -1\r\n\r\nAAAA\n" "$plainly"
+refused endless-length "${agree}Content-Length: 18446744073709551616\r\n\r\nAAAA\n" "$plainly"
+refused chunked "${agree}Transfer-Encoding: chunked\r\n\r\n5\r\nAAAA\n\r\n0\r\n\r\n" "$plainly"
+refused chunked-with-length "${agree}Content-Length: 5\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n" "$plainly"
+refused compressed "${agree}Content-Encoding: gzip\r\nContent-Length: 5\r\n\r\nAAAA\n" "$plainly"
+refused one-byte-too-long "${agree}Content-Length: 65537\r\n\r\n$(printf '%065537d' 0)" 'a request is longer than it may be'
+refused as-long-as-allowed "${agree}Content-Length: 65536\r\n\r\n$(printf '%065535d' 0)\n" \
+    'Unable to Base64 decode input:'
+refused empty "${agree}Content-Length: 0\r\n\r\n" 'a text of 0 lines, not 1'
+refused two-lines "${agree}Content-Length: 10\r\n\r\nAAAA\nAAAA\n" 'a text of 2 lines, not 1'
+refused no-base64 "${agree}Content-Length: 5\r\n\r\n!!!!\n" 'Unable to Base64 decode input:'
+refused unsigned "${messages}Content-Length: 5\r\n\r\nAAAA\n" 'a request is not signed'
+refused unknown-session "$messages${signed}Content-Length: 5\r\n\r\nAAAA\n" 'there is no such session'
+refused no-http 'hello\r\n\r\n'
+refused long-target "POST /$(printf '%09000d' 0) HTTP/1.1\r\n$host\r\n"
+refused endless-line "$(printf '%0100000d' 0)"
+refused endless-head "POST /v1/agree HTTP/1.1\r\n$(printf 'A: %05000d\\r\\n' {1..20})"
+refused bad-range "${agree}Range: bytes=x\r\nContent-Length: 0\r\n\r\n"
+refused compressible "POST / HTTP/1.1\r\n${host}Accept-Encoding: gzip\r\nRange: bytes=0-1\r\nContent-Length: 0\r\n\r\n"
+
+# Now by an octet at a time, which must not go on for ever.
+exec {slow}<>"/dev/tcp/127.0.0.1/$port"
+for ((count = 0; count < 600; ++count)); do
+    { printf 'A' >&"$slow"; } 2>/dev/null || break
+    if read -r -t 0.1 -n 1 <&"$slow"; then
+        break
+    fi
+done
+[[ $count -lt 600 ]] || fail 'a slow client is served for a minute'
+
+# It goes on serving.
+"$programs/device" "$url" "$keys/service.pem" "$keys/service.pem" >device.log 2>device.err || fail 'it serves no more'
+
+# There may be 64 sessions, of which that device has one.
+for devices in 32 31; do
+    "$programs/load" "$url" "$keys/service.pem" "$devices" "$devices" >load.log 2>load.err || fail 'there are too few sessions'
+done
+status=0
+"$programs/device" "$url" "$keys/service.pem" "$keys/service.pem" >device.log 2>device.err || status=$?
+[[ $status -eq 1 && $(<device.err) == 'device: the service refuses: status 403' &&
+    $(tail -n 1 service.log) == 'refused: there are as many sessions as there may be' ]] || fail 'there are too many sessions'
+
+# A second one does not get its port.
+status=0
+timeout 60 "$programs/service" "$keys/service.key.pem" "$port" >second.log 2>second.err || status=$?
+[[ $status -eq 1 && $(<second.err) == "service: port $port is not to be had" ]] || fail 'a port is shared'
+for wrong in x 80x -1 65536 ''; do
+    status=0
+    timeout 60 "$programs/service" "$keys/service.key.pem" "$wrong" >wrong.log 2>wrong.err || status=$?
+    [[ $status -eq 1 && $(<wrong.err) == "service: a port is a number from 0 to 65535, not $wrong" ]] ||
+        fail "the port $wrong is taken"
+done
+
+# Told to end with half a request read, it ends.
+exec {half}<>"/dev/tcp/127.0.0.1/$port"
+printf '%b' "${agree}Content-Length: 5\r\n\r\nAA" >&"$half"
+kill -TERM "$service"
+status=0
+wait "$service" || status=$?
+[[ $status -eq 0 && $(tail -n 1 service.log) == ended && ! -s service.err ]] || fail "the service ends with $status"

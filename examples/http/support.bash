@@ -1,0 +1,38 @@
+# shellcheck shell=bash
+# Sourced by the tests of the service, which run in a folder of their own: starts programs, and ends them with the test.
+set -euo pipefail
+work=$(mktemp -d)
+cd "$work"
+started=()
+
+end_all() {
+    [[ ${#started[@]} -eq 0 ]] || kill -TERM "${started[@]}" 2>/dev/null || true
+    wait
+    rm -rf "$work"
+}
+trap end_all EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM
+
+fail() {
+    printf 'FAILED: %s\n' "$*"
+    tail -v -n 20 ./*.log ./*.err 2>/dev/null
+    exit 1
+}
+
+# start NAME COMMAND...: in the background, its output in NAME.log; until it says where it listens, in $url.
+start() {
+    local name=$1 tries
+    shift
+    : >"$name.log"
+    "$@" >"$name.log" 2>"$name.err" &
+    process=$!
+    started+=("$process")
+    for ((tries = 0; tries < 1200; ++tries)); do
+        url=$(sed -n 's/^listening on //p' "$name.log")
+        [[ -z $url ]] || return 0
+        kill -0 "$process" 2>/dev/null || break
+        sleep 0.05
+    done
+    fail "$name does not start"
+}

@@ -323,6 +323,11 @@ void HttpRequestSigner::Engine::sign(const std::string& keyid, const SignedMessa
         const Octets code = codeOf(key_, http::signatureBase(message, input));
         fields.emplace_back("Signature-Input", label() + "=" + serialize(input));
         fields.emplace_back("Signature", label() + "=" + http::structured::serialize(code));
+        // Lines that can be read one by one may be no field together.
+        if (!memberOf<InnerList>(fields, SIGNATURE_INPUT, label()) ||
+            !memberOf<Item>(fields, SIGNATURE, label())) {
+            refuse("the message has signatures of others that cannot be read");
+        }
     } catch (...) {
         fields.swap(before);
         throw;

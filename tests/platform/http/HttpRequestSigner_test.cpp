@@ -352,6 +352,20 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedRequest{"UnreadableSignature",
                        [](Request& r) { r.fields.emplace_back("Signature", "vorl=1.5"); },
                        "the message has a field Signature that cannot be read"},
+        RefusedRequest{"SignaturesOfOthersUnderOneLabel",
+                       [](Request& r) {
+                           r.fields.emplace_back("Signature", "other=:AAAA:");
+                           r.fields.emplace_back("Signature", "other=:BBBB:");
+                       },
+                       "the message has signatures of others that cannot be read"},
+        RefusedRequest{"InputsOfOthersUnderOneLabel",
+                       [](Request& r) {
+                           r.fields.emplace_back("Signature-Input", "other=()");
+                           r.fields.emplace_back("Signature-Input", "other=()");
+                       },
+                       "the message has signatures of others that cannot be read"},
+        RefusedRequest{"EmptySignature", [](Request& r) { r.fields.emplace_back("Signature", ""); },
+                       "the message has signatures of others that cannot be read"},
         RefusedRequest{"SignatureBesideOthers",
                        [](Request& r) { r.fields.emplace_back("Signature", "other=:AAAA:, vorl=:AAAA:"); },
                        "the message has a signature vorl beside others in one field"},

@@ -106,7 +106,7 @@ void neverVerifiesTheUnsigned(const Platform& platform) {
     const bytes body = {'d', 'o', 'n', 'e'};
     const std::string zeros = "AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA=";
     IHttpStream::Fields madeUp = plain;
-    madeUp.emplace_back("Signature-Input", "sig=(\"@status\");keyid=\"kit\";alg=\"hmac-sha256\"");
+    madeUp.emplace_back("Signature-Input", R"(sig=("@status");keyid="kit";alg="hmac-sha256")");
     madeUp.emplace_back("Signature", "sig=:" + zeros + ":");
     madeUp.emplace_back("Authorization", "Signature " + zeros);
     IHttpStream::Fields empty = plain;

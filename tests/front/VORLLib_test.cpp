@@ -43,8 +43,6 @@ protected:
     }
 };
 
-class SoftwareVORLLibTest : public VORLLibTest {};
-
 class VORLLibBeforeInit : public ::testing::Test {};
 
 void expectRefusesEverything() {
@@ -112,14 +110,6 @@ TEST_F(VORLLibTest, CleanupStopsRegistryAndFactory) {
               "CipherWrapper must be initialized before use");
     EXPECT_ANY_THROW(VorlCryptoFactory::cryptContext(ICipherContext::SPEC_NULL, {}));
     expectRefusesEverything();
-}
-
-// In the software platform's own words.
-TEST_F(SoftwareVORLLibTest, CleanupStopsTheFactory) {
-    VORLLib::cleanup();
-    EXPECT_EQ(
-        messageOf<VORLException>([] { VorlCryptoFactory::cryptContext(ICipherContext::SPEC_NULL, {}); }),
-        "VorlCryptoFactory must be initialized before use");
 }
 
 TEST_F(VORLLibTest, CleanupMayBeRepeated) {

@@ -13,10 +13,6 @@
 #include "vorl/OpenSSLException.h"
 #include "vorl/VORLException.h"
 
-#include <tarvik/crypto/HttpRequestSigner.h>
-#include <tarvik/http/HttpResponse.h>
-#include <tarvik/http/IHttpStream.h>
-
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -31,9 +27,6 @@ namespace vorl::test {
 
 namespace {
 
-using tarvik::crypto::HttpRequestSigner;
-using tarvik::http::HttpResponse;
-using tarvik::http::IHttpStream;
 using Type = std::shared_ptr<const EncryptionType>;
 
 const char SPEC_MISMATCH[] = "Cipher spec mismatch between cipher and wrapper";
@@ -51,9 +44,6 @@ protected:
         return VorlContext(keyFor(key));
     }
 };
-
-// What the software platform says in its own words, or says of keys as they are.
-class SoftwareVorlContextTest : public VorlContextTest {};
 
 // Whether decryption fails, and with what the platform fails.
 bool isRefusedByThePlatform(VorlContext& context, const bytes& text) {
@@ -77,12 +67,6 @@ TEST_F(VorlContextBeforeInit, CannotBeMade) {
     ASSERT_EQ(VORLLib::type_, nullptr);
     EXPECT_EQ(messageOf<VORLException>([] { VorlContext context(KEY); }),
               "VORLLib must be initialized before use");
-}
-
-TEST_F(SoftwareVorlContextTest, CannotBeMadeAfterCleanup) {
-    VORLLib::cleanup();
-    EXPECT_EQ(messageOf<VORLException>([] { VorlContext context(KEY); }),
-              "VorlCryptoFactory must be initialized before use");
 }
 
 TEST_F(VorlContextTest, WritesTheCurrentTypeOfItsMaking) {
@@ -126,12 +110,6 @@ TEST_F(VorlContextTest, OpensWhatAnotherContextOfTheSameKeyWrote) {
 TEST_F(VorlContextTest, AnotherKeyDoesNotOpen) {
     VorlContext other(keyFor(octets(16)));
     EXPECT_TRUE(isRefusedByThePlatform(other, textOf(FULL, octets(20))));
-}
-
-TEST_F(SoftwareVorlContextTest, SaysWhichStepAnotherKeyFailsIn) {
-    VorlContext other(octets(16));
-    EXPECT_EQ(messageOf<OpenSSLException>([&] { other.decrypt(textOf(FULL, octets(20))); }),
-              "failed EVP final operation");
 }
 
 TEST_F(VorlContextTest, EnvelopeOfAnotherLevelIsRefused) {
@@ -204,20 +182,6 @@ TEST_F(VorlContextTest, OnlyTheFullLevelNeedsTheGenerator) {
     EXPECT_EQ(none.encrypt(octets(3)), textOf(NONE, octets(3)));
 }
 
-// The key is the platform's to judge: the software one does so when it encrypts.
-TEST_F(SoftwareVorlContextTest, KeyOfAWrongLengthIsRefusedToEncrypt) {
-    for (const std::size_t size : {0U, 15U, 17U, 32U}) {
-        const std::string text =
-            "SoftwareKeyCipher key size (" + std::to_string(size) + ") != CipherSpec key size (16)";
-        VorlContext full = contextOf(FULL, octets(size));
-        VorlContext test = contextOf(TEST, octets(size));
-        VorlContext none = contextOf(NONE, octets(size));
-        EXPECT_EQ(messageOf<VORLException>([&] { full.encrypt(octets(3)); }), text);
-        EXPECT_EQ(messageOf<VORLException>([&] { test.encrypt(octets(3)); }), text);
-        EXPECT_EQ(none.encrypt(octets(3)), textOf(NONE, octets(3)));
-    }
-}
-
 TEST_F(VorlContextTest, TextThatIsNotBase64IsAnEnvelopeWithoutAByte) {
     VorlContext context(keyFor(KEY));
     for (const char* text : {"", "A", "AAA", "AAAAA", "!AAA", "AAN hYmM", "AANhYmM=\n", "=AAA", "AB=="}) {
@@ -273,20 +237,6 @@ TEST_F(VorlContextTest, HasNoVirtualOperations) {
     EXPECT_FALSE(std::is_polymorphic_v<VorlContext>);
 }
 
-TEST_F(SoftwareVorlContextTest, SignsRequestsAndVerifiesResponsesUnderAKeyOfItsOwn) {
-    VorlContext device(KEY);
-    HttpRequestSigner service(HttpRequestSigner::keyOfContext(KEY));
-    IHttpStream::Request request{"GET", "http://example.com/", {{"Host", "example.com"}}, {}};
-    device.sign("device-1", request);
-    EXPECT_TRUE(service.verifyRequest("device-1", request));
-
-    HttpResponse response;
-    response.answered = request;
-    service.signResponse("device-1", response);
-    EXPECT_TRUE(device.verify("device-1", response));
-    EXPECT_FALSE(device.verify("device-1", response)) << "its nonce has been seen";
-}
-
 TEST_F(VorlContextTest, TextsAndMessagesDoNotFollowTheGlobalLocale) {
     const GroupedDigits grouped;
     VorlContext context(keyFor(KEY));
@@ -294,13 +244,6 @@ TEST_F(VorlContextTest, TextsAndMessagesDoNotFollowTheGlobalLocale) {
         messageOf<ASN1Exception>([&] { context.decrypt(rawBase64(bytes{0x02} + block(octets(16384)))); }),
         "index out of bounds: read index(16386) >= write index(16386)");
     EXPECT_EQ(context.decrypt(context.encrypt(octets(20000))), octets(20000));
-}
-
-TEST_F(SoftwareVorlContextTest, TextsDoNotFollowTheGlobalLocale) {
-    const GroupedDigits grouped;
-    VorlContext longKey(octets(16384));
-    EXPECT_EQ(messageOf<VORLException>([&] { longKey.encrypt(octets(3)); }),
-              "SoftwareKeyCipher key size (16384) != CipherSpec key size (16)");
 }
 
 namespace {

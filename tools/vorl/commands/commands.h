@@ -29,6 +29,9 @@ Run declareDhSecret(CLI::App& command);
 Run declareKeysDerive(CLI::App& command);
 Run declareSign(CLI::App& command);
 Run declareVerify(CLI::App& command);
+Run declareHttpBase(CLI::App& command);
+Run declareHttpSign(CLI::App& command);
+Run declareHttpVerify(CLI::App& command);
 Run declareCertShow(CLI::App& command);
 Run declareCertCheck(CLI::App& command);
 Run declareVectors(CLI::App& command);
@@ -46,6 +49,7 @@ inline constexpr CommandGroup COMMAND_GROUPS[] = {
     {"dh", "Agree on a secret with a party that shares no key"},
     {"dh params", "Make and judge the groups that an agreement takes place in"},
     {"keys", "Derive the keys of a client"},
+    {"http", "Sign HTTP messages, or verify their signatures"},
     {"cert", "Show or judge a certificate"},
     {"platform", "Judge the platform that the library stands on"},
 };
@@ -73,6 +77,9 @@ inline constexpr Command COMMANDS[] = {
     {"keys derive", "Derive the encryption key and the HMAC key of a client", declareKeysDerive},
     {"sign", "Sign an input with a private key", declareSign},
     {"verify", "Verify a signature with a public key or a certificate", declareVerify},
+    {"http base", "Show what the signature of an HTTP message is computed of", declareHttpBase},
+    {"http sign", "Sign an HTTP message", declareHttpSign},
+    {"http verify", "Verify the signature of an HTTP message", declareHttpVerify},
     {"cert show", "Show what a certificate says", declareCertShow},
     {"cert check", "Judge the time and the key of a certificate", declareCertCheck},
     {"vectors", "Write sample records for the tests of other implementations", declareVectors},

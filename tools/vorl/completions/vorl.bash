@@ -5,7 +5,7 @@
 _vorl_describe() { # COMMAND
     subcommands="" options="" operands=""
     case $1 in
-        vorl) subcommands="protect unprotect inspect digest hmac dh keys sign verify cert doctor vectors platform" ;;
+        vorl) subcommands="protect unprotect inspect digest hmac dh keys sign verify http cert doctor vectors platform" ;;
         "vorl protect") options="-k --key --key-fd --key-format --level --raw -o --output" operands=files ;;
         "vorl unprotect") options="-k --key --key-fd --key-format --accept --raw -o --output" operands=files ;;
         "vorl inspect") options="--json --as --show-secrets" operands=files ;;
@@ -22,6 +22,13 @@ _vorl_describe() { # COMMAND
         "vorl keys derive") options="--secret --id-file --enc-out --hmac-out --show-secrets" ;;
         "vorl sign") options="-k --key --key-fd -o --output" operands=files ;;
         "vorl verify") options="-k --key --cert -s --signature --at --ignore-time" operands=files ;;
+        "vorl http") subcommands="base sign verify" ;;
+        "vorl http "*)
+            options="--keyid --label --tag --cover --parameters --at --scheme --request" operands=files
+            [[ $1 == "vorl http base" ]] || options+=" -k --key --key-fd --key-format --context-key"
+            [[ $1 != "vorl http base" ]] || options+=" --raw"
+            [[ $1 != "vorl http sign" ]] || options+=" -o --output"
+            ;;
         "vorl cert") subcommands="show check" ;;
         "vorl cert show") options="--json" operands=files ;;
         "vorl cert check") options="--at" operands=files ;;
@@ -39,7 +46,9 @@ _vorl_value() { # COMMAND OPTION
     case $2 in
         --level) words="full test none" ;;
         --accept) list="full test none" ;;
+        --parameters) list="created expires nonce keyid alg tag" ;;
         --key-format) words="raw hex base64" ;;
+        --scheme) words="http https" ;;
         --as)
             words="dh-record dh-params certificate public-key private-key signature envelope dh-state"
             ;;
@@ -49,8 +58,8 @@ _vorl_value() { # COMMAND OPTION
             words=files
             [[ $1 != "vorl vectors" ]] || words=folders
             ;;
-        -k | --key | -p | --params | -s | --signature | --cert | --own-keys | --secret | --id-file | --enc-out | --hmac-out) words=files ;;
-        --key-fd | --bits | --verify | --at) ;;
+        -k | --key | -p | --params | -s | --signature | --cert | --own-keys | --request | --secret | --id-file | --enc-out | --hmac-out) words=files ;;
+        --key-fd | --bits | --verify | --at | --keyid | --label | --tag | --cover) ;;
         *) return 1 ;;
     esac
 }

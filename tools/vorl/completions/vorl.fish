@@ -21,11 +21,11 @@ function __vorl_within
     test (count $typed) -gt 1; and test "$typed[-2]" = "$argv"
 end
 
-# Levels that may go on with a list that is separated by commas.
-function __vorl_levels
-    set -l before (string match -r '.*,' -- (commandline -ct | string replace -r '^--accept=' ''))
-    for level in full test none
-        string match -q -- "*,$level,*" ",$before"; or echo "$before$level"
+# Words that may go on with a list that is separated by commas.
+function __vorl_list # OPTION WORD...
+    set -l before (string match -r '.*,' -- (commandline -ct | string replace -r "^$argv[1]=" ''))
+    for word in $argv[2..]
+        string match -q -- "*,$word,*" ",$before"; or echo "$before$word"
     end
 end
 
@@ -42,6 +42,7 @@ complete -c vorl -n __vorl_after -a dh -d 'Agree on a secret with a party that s
 complete -c vorl -n __vorl_after -a keys -d 'Derive the keys of a client'
 complete -c vorl -n __vorl_after -a sign -d 'Sign an input with a private key'
 complete -c vorl -n __vorl_after -a verify -d 'Verify a signature with a public key or a certificate'
+complete -c vorl -n __vorl_after -a http -d 'Sign HTTP messages, or verify their signatures'
 complete -c vorl -n __vorl_after -a cert -d 'Show or judge a certificate'
 complete -c vorl -n __vorl_after -a doctor -d 'Check what the tool depends on'
 complete -c vorl -n __vorl_after -a vectors -d 'Write sample records for the tests of other implementations'
@@ -56,24 +57,27 @@ complete -c vorl -n '__vorl_after dh params' -a show -d 'Show the numbers of a g
 complete -c vorl -n '__vorl_after dh params' -a check -d 'Let OpenSSL judge a group'
 complete -c vorl -n '__vorl_after keys' -a derive -d 'Derive the encryption key and the HMAC key of a client'
 complete -c vorl -n '__vorl_after platform' -a check -d 'Hold the platform against all that the library asks of one'
+complete -c vorl -n '__vorl_after http' -a base -d 'Show what the signature of an HTTP message is computed of'
+complete -c vorl -n '__vorl_after http' -a sign -d 'Sign an HTTP message'
+complete -c vorl -n '__vorl_after http' -a verify -d 'Verify the signature of an HTTP message'
 complete -c vorl -n '__vorl_after cert' -a show -d 'Show what a certificate says'
 complete -c vorl -n '__vorl_after cert' -a check -d 'Judge the time and the key of a certificate'
 
 # What several commands have: operands that are files, and options.
 for command in protect unprotect inspect digest hmac 'dh params show' 'dh params check' 'dh pub' 'dh secret' \
-        sign verify 'cert show' 'cert check'
+        sign verify 'http base' 'http sign' 'http verify' 'cert show' 'cert check'
     complete -c vorl -n "__vorl_in $command" -F
 end
-for command in protect unprotect hmac sign verify
+for command in protect unprotect hmac sign verify 'http sign' 'http verify'
     complete -c vorl -n "__vorl_in $command" -s k -l key -rF -d 'File that holds the key'
 end
-for command in protect unprotect hmac sign
+for command in protect unprotect hmac sign 'http sign' 'http verify'
     complete -c vorl -n "__vorl_in $command" -l key-fd -x -d 'Open file descriptor to read the key from'
 end
-for command in protect unprotect hmac
+for command in protect unprotect hmac 'http sign' 'http verify'
     complete -c vorl -n "__vorl_in $command" -l key-format -xa 'raw hex base64' -d 'How the key is written'
 end
-for command in protect unprotect 'dh params new' 'dh new' 'dh secret' sign
+for command in protect unprotect 'dh params new' 'dh new' 'dh secret' sign 'http sign'
     complete -c vorl -n "__vorl_in $command" -s o -l output -rF -d 'File to write'
 end
 for command in digest hmac
@@ -88,10 +92,25 @@ end
 for command in verify 'cert check'
     complete -c vorl -n "__vorl_in $command" -l at -x -d 'Judge the validity at this time instead of now'
 end
+for command in 'http base' 'http sign' 'http verify'
+    complete -c vorl -n "__vorl_in $command" -l keyid -x -d 'Name of the key'
+    complete -c vorl -n "__vorl_in $command" -l label -x -d 'Name of the signature in its fields'
+    complete -c vorl -n "__vorl_in $command" -l tag -x -d 'Value of the parameter tag'
+    complete -c vorl -n "__vorl_in $command" -l cover -x -d 'Components that are covered'
+    complete -c vorl -n "__vorl_in $command" -l parameters -d 'Parameters of the signature' \
+        -xa '(__vorl_list --parameters created expires nonce keyid alg tag)'
+    complete -c vorl -n "__vorl_in $command" -l at -x -d 'Sign or judge at this time instead of now'
+    complete -c vorl -n "__vorl_in $command" -l scheme -xa 'http https' -d 'What a target that is a path is a path of'
+    complete -c vorl -n "__vorl_in $command" -l request -rF -d 'File that holds the request that a response answers'
+end
+for command in 'http sign' 'http verify'
+    complete -c vorl -n "__vorl_in $command" -l context-key -d 'The key is that of a message context'
+end
 
+complete -c vorl -n '__vorl_in http base' -l raw -d 'Write no newline behind it'
 complete -c vorl -n '__vorl_in protect' -l level -xa 'full test none' -d 'Level of protection'
 complete -c vorl -n '__vorl_in protect' -l raw -d 'Write the envelope itself'
-complete -c vorl -n '__vorl_in unprotect' -l accept -xa '(__vorl_levels)' -d 'Levels that are accepted'
+complete -c vorl -n '__vorl_in unprotect' -l accept -xa '(__vorl_list --accept full test none)' -d 'Levels that are accepted'
 complete -c vorl -n '__vorl_in unprotect' -l raw -d 'Read the envelope itself'
 complete -c vorl -n '__vorl_in inspect' -l as -d 'What the input is' -xa \
     'dh-record dh-params certificate public-key private-key signature envelope dh-state'

@@ -23,7 +23,7 @@ const char REFUSAL[] = "HTTP/1.1 403 Forbidden\r\nConnection: close\r\nContent-L
 const char SUCCESS[] = "HTTP/1.1 200 ";
 const std::size_t MOST_HEAD_BYTES = 16384;
 const std::size_t MOST_REQUESTS_OF_A_CONNECTION = 100000;
-const std::chrono::seconds MOST_TIME_OF_A_REQUEST(5);
+const std::chrono::seconds MOST_TIME_OF_A_REQUEST(10);
 const std::chrono::seconds MOST_IDLE_TIME(5);
 const std::chrono::seconds MOST_TIME_TO_CLOSE(1);
 const std::chrono::milliseconds LOOK_FOR_THE_END(100);
@@ -144,7 +144,8 @@ BoundedServer::BoundedServer() {
 
 int BoundedServer::bind(int port) {
     const int bound = port == 0 ? bind_to_any_port("127.0.0.1") : bind_to_port("127.0.0.1", port) ? port : -1;
-    if (bound < 0) {
+    // cpp-httplib lets five devices wait, and the system forgets the others' connections without a word.
+    if (bound < 0 || ::listen(svr_sock_, SOMAXCONN) != 0) {
         throw std::runtime_error("port " + std::to_string(port) + " is not to be had");
     }
     return bound;

@@ -25,6 +25,7 @@ DeviceSession::DeviceSession(std::string url, const std::string& certificate, Ke
     client_.set_decompress(false);  // what was signed is what comes over the wire
     client_.set_url_encode(false);
     client_.set_connection_timeout(std::chrono::seconds(5));
+    client_.set_read_timeout(MOST_TIME_OF_AN_ANSWER);
 }
 
 std::string DeviceSession::agree() {

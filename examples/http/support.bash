@@ -1,17 +1,21 @@
 # shellcheck shell=bash
-# Sourced by the tests of the service, which run in a folder of their own: starts programs, and ends them with the test.
+# Sourced by what shows a service at work, in a folder of its own: starts programs, and ends them on every way out.
 set -euo pipefail
 work=$(mktemp -d)
 cd "$work"
-started=()
 
 end_all() {
-    [[ ${#started[@]} -eq 0 ]] || kill -TERM "${started[@]}" 2>/dev/null || true
+    local job
+    for job in $(jobs -pr); do
+        kill -TERM "$job" || true
+    done
     wait
     rm -rf "$work"
 }
 trap end_all EXIT
 trap 'exit 130' INT
+trap 'exit 129' HUP
+trap 'exit 141' PIPE
 trap 'exit 143' TERM
 
 fail() {
@@ -27,7 +31,6 @@ start() {
     : >"$name.log"
     "$@" >"$name.log" 2>"$name.err" &
     process=$!
-    started+=("$process")
     for ((tries = 0; tries < 1200; ++tries)); do
         url=$(sed -n 's/^listening on //p' "$name.log")
         [[ -z $url ]] || return 0

@@ -58,7 +58,7 @@ struct Platform {
 
     std::function<Mutex(bool recursive)> makeMutex;
     /// How long a thread may wait for a mutex before it is taken to wait for ever.
-    std::chrono::milliseconds patience = std::chrono::seconds(20);
+    std::chrono::milliseconds patience = std::chrono::seconds(60);
 };
 
 /// The platform that the program is linked with. It takes keys as they are, until `provision` is replaced.

@@ -72,8 +72,11 @@ for ((count = 0; count < 600; ++count)); do
 done
 [[ $count -lt 600 ]] || fail 'a slow client is served for a minute'
 
-# It goes on serving.
+# It goes on serving, but not for those who only know the name of a session.
 "$programs/device" "$url" "$keys/service.pem" "$keys/service.pem" >device.log 2>device.err || fail 'it serves no more'
+session=$(sed -n 's/^agreed on keys, session //p' device.log)
+refused wrong-signature "$messages${signed/keyid=\"00\"/keyid=\"$session\"}Content-Length: 5\r\n\r\nAAAA\n" \
+    'the signature of a request does not hold'
 
 # There may be 64 sessions, of which that device has one.
 for ((count = 0; count < 9; ++count)); do
@@ -94,6 +97,14 @@ for wrong in x 80x -1 65536 ''; do
     [[ $status -eq 1 && $(<wrong.err) == "service: a port is a number from 0 to 65535, not $wrong" ]] ||
         fail "the port $wrong is taken"
 done
+
+# What a device cannot begin with.
+status=0
+"$programs/device" "$url" "$keys/service.pem" missing >device.log 2>device.err || status=$?
+[[ $status -eq 1 && ! -s device.log && $(<device.err) == 'device: missing cannot be read' ]] || fail 'a missing file is sent'
+status=0
+"$programs/device" "$url/" "$keys/service.pem" "$keys/service.pem" >device.log 2>device.err || status=$?
+[[ $status -eq 1 && $(<device.err) == "device: this is no URL of a service without a path: $url/" ]] || fail 'a path is dropped'
 
 # Told to end with half a request read, it ends.
 exec {half}<>"/dev/tcp/127.0.0.1/$port"

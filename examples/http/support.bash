@@ -7,7 +7,7 @@ cd "$work"
 end_all() {
     local job
     for job in $(jobs -pr); do
-        kill -TERM "$job" || true
+        kill -TERM "$job" 2>/dev/null || true
     done
     wait
     rm -rf "$work"

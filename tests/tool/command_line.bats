@@ -3,7 +3,7 @@
 
 load support
 
-COMMANDS=(protect unprotect inspect digest hmac "dh params new" "dh params show" "dh params check" "dh new" "dh pub"
+COMMANDS=(protect unprotect inspect explain digest hmac "dh params new" "dh params show" "dh params check" "dh new" "dh pub"
     "dh secret" "keys derive" sign verify "http base" "http sign" "http verify" "cert show" "cert check" vectors
     "platform check" doctor)
 
@@ -65,7 +65,7 @@ COMMANDS=(protect unprotect inspect digest hmac "dh params new" "dh params show"
 }
 
 @test "an unknown option is refused, and the hint names the command" {
-    for command in protect unprotect inspect hmac "dh params new" "keys derive" sign "http base" "http sign" doctor; do
+    for command in protect unprotect inspect explain hmac "dh params new" "keys derive" sign "http base" "http sign" doctor; do
         # shellcheck disable=SC2086
         refuses 2 "The following argument was not expected: --frobnicate" "'vorl $command --help' shows the usage" \
             vorl $command --frobnicate

@@ -18,6 +18,7 @@ using Run = std::function<ExitStatus()>;
 Run declareProtect(CLI::App& command);
 Run declareUnprotect(CLI::App& command);
 Run declareInspect(CLI::App& command);
+Run declareExplain(CLI::App& command);
 Run declareDigest(CLI::App& command);
 Run declareHmac(CLI::App& command);
 Run declareDhParamsNew(CLI::App& command);
@@ -66,6 +67,7 @@ inline constexpr Command COMMANDS[] = {
     {"protect", "Put a message into an envelope", declareProtect},
     {"unprotect", "Take the message out of an envelope", declareUnprotect},
     {"inspect", "Show field by field what a record is made of; takes no key", declareInspect},
+    {"explain", "Show which check of a receiver refuses a record, and why", declareExplain},
     {"digest", "Compute the digest of an input", declareDigest},
     {"hmac", "Compute or verify the authentication code of an input", declareHmac},
     {"dh params new", "Search for a new group", declareDhParamsNew},

@@ -4,6 +4,7 @@
 #include "inspect/structure.h"
 #include "shared/KeyFile.h"
 #include "shared/ToolError.h"
+#include "shared/accepted_levels.h"
 #include "shared/input.h"
 #include "shared/message_options.h"
 #include "shared/output.h"
@@ -15,10 +16,8 @@
 #include <brisclient/Base64.h>
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <memory>
 #include <new>
-#include <sstream>
 
 namespace vorl::tool {
 
@@ -31,34 +30,6 @@ struct UnprotectOptions {
     std::string accept = "full";
     MessageOptions message;
 };
-
-bool isLevelName(const std::string& name) {
-    const std::vector<std::string> names = levelNames();
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-// The levels of a list such as "full,test".
-std::vector<Level> acceptedLevels(const std::string& list) {
-    std::vector<Level> accepted;
-    std::istringstream names(list + ",");
-    for (std::string name; std::getline(names, name, ',');) {
-        if (!isLevelName(name)) {
-            throw ToolError(ExitStatus::USAGE, "--accept: there is no level '" + name + "'",
-                            "give a list of full, test and none, for example --accept full,test");
-        }
-        accepted.push_back(levelNamed(name));
-    }
-    return accepted;
-}
-
-void setPolicy(const std::vector<Level>& accepted) {
-    for (const Level& level : levels()) {
-        VORLLib::setAllowedEncryptionType(level.type, false);
-    }
-    for (const Level& level : accepted) {
-        VORLLib::setAllowedEncryptionType(level.type, true);
-    }
-}
 
 bytes readEnvelope(const MessageOptions& options) {
     bytes input = readInput(options.input);
@@ -148,10 +119,7 @@ ExitStatus unprotect(const UnprotectOptions& options) {
 Run declareUnprotect(CLI::App& command) {
     const auto options = std::make_shared<UnprotectOptions>();
     options->key.declare(command);
-    command
-        .add_option("--accept", options->accept,
-                    "Levels that are accepted, separated by commas: full, test, none; full by default")
-        ->type_name("LEVELS");
+    declareAccept(command, options->accept);
     options->message.declare(command, "Read the envelope itself instead of its Base64 text",
                              "The protected message; standard input by default");
     return [options] { return unprotect(*options); };

@@ -5,10 +5,13 @@
 _vorl_describe() { # COMMAND
     subcommands="" options="" operands=""
     case $1 in
-        vorl) subcommands="protect unprotect inspect digest hmac dh keys sign verify http cert doctor vectors platform" ;;
+        vorl) subcommands="protect unprotect inspect explain digest hmac dh keys sign verify http cert doctor vectors platform" ;;
         "vorl protect") options="-k --key --key-fd --key-format --level --raw -o --output" operands=files ;;
         "vorl unprotect") options="-k --key --key-fd --key-format --accept --raw -o --output" operands=files ;;
         "vorl inspect") options="--json --as --show-secrets" operands=files ;;
+        "vorl explain")
+            options="-k --key --key-fd --key-format --accept --level --as --json" operands=files
+            ;;
         "vorl digest") options="-a --algorithm" operands=files ;;
         "vorl hmac") options="-k --key --key-fd --key-format -a --algorithm --verify" operands=files ;;
         "vorl dh") subcommands="params new pub secret" ;;
@@ -51,6 +54,7 @@ _vorl_value() { # COMMAND OPTION
         --scheme) words="http https" ;;
         --as)
             words="dh-record dh-params certificate public-key private-key signature envelope dh-state"
+            [[ $1 != "vorl explain" ]] || words="envelope dh-record signature"
             ;;
         -a | --algorithm) words="SHA1 SHA224 SHA256 SHA384 SHA512" ;;
         --generator) words="2 5" ;;

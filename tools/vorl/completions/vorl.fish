@@ -36,6 +36,7 @@ complete -c vorl -l version -d 'Show the versions of vorl and OpenSSL and exit'
 complete -c vorl -n __vorl_after -a protect -d 'Put a message into an envelope'
 complete -c vorl -n __vorl_after -a unprotect -d 'Take the message out of an envelope'
 complete -c vorl -n __vorl_after -a inspect -d 'Show field by field what a record is made of'
+complete -c vorl -n __vorl_after -a explain -d 'Show which check of a receiver refuses a record'
 complete -c vorl -n __vorl_after -a digest -d 'Compute the digest of an input'
 complete -c vorl -n __vorl_after -a hmac -d 'Compute or verify the authentication code of an input'
 complete -c vorl -n __vorl_after -a dh -d 'Agree on a secret with a party that shares no key'
@@ -64,17 +65,17 @@ complete -c vorl -n '__vorl_after cert' -a show -d 'Show what a certificate says
 complete -c vorl -n '__vorl_after cert' -a check -d 'Judge the time and the key of a certificate'
 
 # What several commands have: operands that are files, and options.
-for command in protect unprotect inspect digest hmac 'dh params show' 'dh params check' 'dh pub' 'dh secret' \
+for command in protect unprotect inspect explain digest hmac 'dh params show' 'dh params check' 'dh pub' 'dh secret' \
         sign verify 'http base' 'http sign' 'http verify' 'cert show' 'cert check'
     complete -c vorl -n "__vorl_in $command" -F
 end
-for command in protect unprotect hmac sign verify 'http sign' 'http verify'
+for command in protect unprotect explain hmac sign verify 'http sign' 'http verify'
     complete -c vorl -n "__vorl_in $command" -s k -l key -rF -d 'File that holds the key'
 end
-for command in protect unprotect hmac sign 'http sign' 'http verify'
+for command in protect unprotect explain hmac sign 'http sign' 'http verify'
     complete -c vorl -n "__vorl_in $command" -l key-fd -x -d 'Open file descriptor to read the key from'
 end
-for command in protect unprotect hmac 'http sign' 'http verify'
+for command in protect unprotect explain hmac 'http sign' 'http verify'
     complete -c vorl -n "__vorl_in $command" -l key-format -xa 'raw hex base64' -d 'How the key is written'
 end
 for command in protect unprotect 'dh params new' 'dh new' 'dh secret' sign 'http sign'
@@ -83,7 +84,7 @@ end
 for command in digest hmac
     complete -c vorl -n "__vorl_in $command" -s a -l algorithm -xa '(__vorl_digests)' -d 'Digest'
 end
-for command in inspect 'cert show' doctor 'platform check'
+for command in inspect explain 'cert show' doctor 'platform check'
     complete -c vorl -n "__vorl_in $command" -l json -d 'Write JSON'
 end
 for command in inspect 'keys derive'
@@ -114,6 +115,9 @@ complete -c vorl -n '__vorl_in unprotect' -l accept -xa '(__vorl_list --accept f
 complete -c vorl -n '__vorl_in unprotect' -l raw -d 'Read the envelope itself'
 complete -c vorl -n '__vorl_in inspect' -l as -d 'What the input is' -xa \
     'dh-record dh-params certificate public-key private-key signature envelope dh-state'
+complete -c vorl -n '__vorl_in explain' -l accept -xa '(__vorl_list --accept full test none)' -d 'Levels that are accepted'
+complete -c vorl -n '__vorl_in explain' -l level -xa 'full test none' -d 'Level of the context'
+complete -c vorl -n '__vorl_in explain' -l as -xa 'envelope dh-record signature' -d 'What the input is'
 complete -c vorl -n '__vorl_in hmac' -l verify -x -d 'Compare the code with this one'
 complete -c vorl -n '__vorl_in dh params new' -l bits -x -d 'Size of the prime'
 complete -c vorl -n '__vorl_in dh params new' -l generator -xa '2 5' -d Generator

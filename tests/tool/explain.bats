@@ -1,0 +1,192 @@
+#!/usr/bin/env bats
+# vorl explain: which check refuses a record, where, and why. Envelopes come from OpenSSL's own command.
+
+load support
+
+# checks: how each of them went, in one line of words, from what explain has written.
+checks() {
+    sed '1,/^Checks, in the order of the library:$/d' <<<"$output" | grep -v '^ ' |
+        sed 's/  .*//' | uniq -c | sed 's/^ *//' | paste -s -d ,
+}
+
+# members NAME: the values that each check has for it, in JSON, in one line.
+members() {
+    sed '1,/^  "steps": \[$/d' <<<"$output" | sed -n "s/^      \"$1\": \(.*[^,]\),\{0,1\}$/\1/p" | paste -s -d ,
+}
+
+# refused STATUS ERROR COMMAND...: the report is there all the same.
+refused() {
+    local wanted=$1 error=$2
+    shift 2
+    run --separate-stderr "$@"
+    equals "$status" "$wanted"
+    # shellcheck disable=SC2154
+    equals "$stderr" "vorl: error: $error"
+    contains "$output" "Checks, in the order of the library:"
+}
+
+@test "of a whole envelope only the decryption is open without a key" {
+    full_envelope <note | base64_text >letter
+    succeeds vorl explain letter
+    contains "$output" "envelope, given as Base64 text: 35 bytes in 48 characters"
+    contains "$output" $'\nlevels that the policy accepts: full\nlevel of the context: full\n\nChecks, in the order of the library:\n'
+    equals "$(checks)" "10 passes,1 needs the key"
+    contains "$output" $'\nneeds the key  the key opens the body'
+}
+
+@test "with the key, the decryption is tried" {
+    full_envelope <note >letter
+    succeeds vorl explain -k key letter
+    equals "$(checks)" "11 passes"
+    echo "$WRONG_KEY_HEX" >wrong
+    refused 4 "'letter', at offset 18: wrong key or damaged data" vorl explain -k wrong letter
+    equals "$(checks)" "10 passes,1 REFUSES"
+}
+
+@test "how a decryption failed is not told, and the message is not shown" {
+    # A block that no message with padding was made of, under this key.
+    octets "0210$IV_HEX""10$IV_HEX" >noise
+    refused 4 "'noise', at offset 18: wrong key or damaged data" vorl explain -k key noise
+    refute_contains() {
+        [[ "$1" != *"$2"* ]]
+    }
+    refute_contains "$output" "OpenSSL"
+    full_envelope <note >letter
+    succeeds vorl explain -k key letter
+    refute_contains "$output" hello
+}
+
+@test "a level that is not accepted is refused by the policy, with status 1" {
+    test_envelope <note | base64_text >letter
+    refused 1 "'letter', at offset 0: the level test is not accepted" vorl explain letter
+    contains "$output" 'the library says: CipherWrapper CipherWrapper[Test:0x01] not allowed'
+    equals "$(checks)" "3 passes,1 REFUSES,7 not reached"
+}
+
+@test "a level that is accepted is refused by a context of another one, with status 1" {
+    test_envelope <note | base64_text >letter
+    refused 1 "'letter', at offset 0: the context is of the level full" vorl explain --accept full,test letter
+    contains "$output" 'the library says: Cipher spec mismatch between cipher and wrapper'
+    equals "$(checks)" "4 passes,1 REFUSES,6 not reached"
+    succeeds vorl explain --accept full,test --level test letter
+    equals "$(checks)" "10 passes,1 needs the key"
+    succeeds vorl explain --accept full,test --level test -k key letter
+    equals "$(checks)" "11 passes"
+}
+
+@test "the level none needs no key" {
+    octets 0003616263 >letter
+    succeeds vorl explain --accept none --level none letter
+    equals "$(checks)" "11 passes"
+}
+
+@test "the library's order decides which of several faults is told" {
+    # An unknown version; then a level that is not accepted, in another context, cut short; then the context.
+    octets 7f >unknown
+    refused 3 "'unknown', at offset 0: no level has the version 0x7f" vorl explain unknown
+    contains "$output" "the library says: Unknown CipherWrapper version: 0x7f"
+    octets 0120aa >short
+    refused 1 "'short', at offset 0: the level test is not accepted" vorl explain short
+    refused 1 "'short', at offset 0: the context is of the level full" vorl explain --accept test short
+    refused 3 "'short', at offset 2: the body is cut short: 32 bytes announced, 1 there" \
+        vorl explain --accept test --level test short
+    contains "$output" "the library says: Unable to read 32 bytes from buffer, only 1 available"
+}
+
+@test "what follows an envelope is refused where it begins" {
+    { full_envelope <note && octets 0000; } >letter
+    refused 3 "'letter', at offset 35: 2 more bytes follow" vorl explain letter
+    contains "$output" "the library says: Buffer is not empty after parsing decrypted data; 2 bytes remain"
+    equals "$(checks)" "8 passes,1 REFUSES,2 not reached"
+}
+
+@test "a text that is not Base64 is refused at its character" {
+    printf 'AgAA=' >text
+    run --separate-stderr vorl explain text
+    equals "$status" 3
+    contains "$stderr" "vorl: error: 'text', at character "
+    contains "$output" 'the library says: index out of bounds: read index('
+    equals "$(checks)" "1 passes,1 REFUSES,9 not reached"
+    refused 3 "'/dev/null', at character 0: the input is empty, which leaves an envelope without a byte" \
+        vorl explain /dev/null
+}
+
+@test "a public key record is explained up to its group" {
+    { octets 000000028080 && bytes_of 128; } | base64_text >peer
+    succeeds vorl explain peer
+    equals "$(checks)" "5 passes,2 needs the group"
+    { octets 000000028077 && bytes_of 127; } >short
+    refused 3 "'short', at offset 4: it has 119 bytes" vorl explain short
+    contains "$output" "the library says: DH public key from server is 119bytes, expected 120-129"
+    { octets 00000002 && bytes_of 120; } >truncated
+    refused 3 "'truncated', at offset 124: it ends here, with 124 bytes" vorl explain truncated
+    contains "$output" "the library says: DH PubKey length (124) out of range"
+}
+
+@test "--as says what a record is" {
+    bytes_of 128 >bare
+    succeeds vorl explain bare
+    equals "$(checks)" "5 passes,2 needs the group"
+    { octets 018080 && bytes_of 128; } >record
+    succeeds vorl explain record
+    equals "$(checks)" "4 passes,1 needs the public key,1 needs the public key and the input"
+    refused 1 "'record', at offset 0: the level test is not accepted" vorl explain --as envelope record
+}
+
+@test "what follows a signature is refused, though the library does not look at it" {
+    { octets 018080 && bytes_of 129; } >record
+    refused 3 "'record', at offset 131: 1 more byte follows; the library does not look at them, and 'vorl verify' refuses them" \
+        vorl explain --as signature record
+    octets 0200 >record
+    refused 3 "'record', at offset 0: no signature record has the version 0x02" vorl explain --as signature record
+}
+
+@test "other kinds are shown by inspect" {
+    printf '%s\n' '-----BEGIN CERTIFICATE-----' >pem
+    refuses 3 "'pem' is PEM text" \
+        "an envelope, a Diffie-Hellman record and a signature are explained; 'vorl inspect' shows what else there is" \
+        vorl explain pem
+    octets 3006020117020105 >group
+    refuses 3 "'group' looks like another kind of record: dh-params" \
+        "'vorl inspect' shows it; if it is none, --as says what it is" vorl explain group
+}
+
+@test "only an envelope takes a key" {
+    bytes_of 128 >bare
+    refuses 2 "'bare' is no envelope, and takes no key" "leave the key out" vorl explain -k key bare
+    echo 00 >short
+    refuses 3 "'short': the key has 1 byte, 16 are needed" \
+        "it was read as hex; --key-format raw|hex|base64 says how to read it" vorl explain -k short bare
+}
+
+@test "levels are read strictly" {
+    refuses 2 "--accept: there is no level 'ful'" \
+        "give a list of full, test and none, for example --accept full,test" vorl explain --accept ful note
+    refuses 2 "--level: ful not in {full,test,none}" "'vorl explain --help' shows the usage" \
+        vorl explain --level ful note
+}
+
+@test "--json is that of inspect, and the checks" {
+    test_envelope <note >letter
+    run --separate-stderr vorl explain --json letter
+    equals "$status" 1
+    # All but the brace at its end.
+    equals "${output%%,$'\n'  \"accept\"*}" "$(vorl inspect --json letter | head -n -1)"
+    contains "$output" $',\n  "accept": [\n    "full"\n  ],\n  "level": "full",\n  "steps": [\n    {\n      "name": "initialised",\n      "requirement": "the library is initialised",\n      "outcome": "passes",\n      "needs": null,\n      "offset": null,\n      "reason": "",\n      "libraryText": ""\n    },\n'
+    equals "$(members name)" \
+        '"initialised","version","known-version","policy","context","iv","iv-length","body","end","blocks","decryption"'
+    equals "$(members outcome)" "\"passes\",\"passes\",\"passes\",\"refuses\"$(printf ',"not reached"%.0s' 1 2 3 4 5 6 7)"
+    equals "$(members offset)" "null,null,null,0,null,null,null,null,null,null,null"
+    contains "$(members reason)" '"the level test","the level test is not accepted",""'
+    contains "$(members libraryText)" '"","CipherWrapper CipherWrapper[Test:0x01] not allowed",""'
+}
+
+@test "--json names what a check needs" {
+    test_envelope <note >letter
+    succeeds vorl explain --json --accept test --level test letter
+    equals "$(members needs)" 'null,null,null,null,null,null,null,null,null,null,"the key"'
+    bytes_of 128 >bare
+    succeeds vorl explain --json bare
+    equals "$(members needs)" 'null,null,null,null,null,"the group","the group"'
+    run ! grep -q '^  "accept"' <<<"$output"
+}

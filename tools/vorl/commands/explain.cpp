@@ -1,0 +1,163 @@
+#include "commands/commands.h"
+#include "explain/records.h"
+#include "inspect/base64_text.h"
+#include "inspect/inspect_bytes.h"
+#include "shared/KeyFile.h"
+#include "shared/ToolError.h"
+#include "shared/accepted_levels.h"
+#include "shared/explanation_text.h"
+#include "shared/input.h"
+#include "shared/message_options.h"
+#include "shared/messages.h"
+#include "shared/output.h"
+#include "shared/report_text.h"
+#include "shared/start_up.h"
+#include "shared/terminal.h"
+#include "vorl/CipherSpec.h"
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
+namespace vorl::tool {
+
+namespace {
+
+struct ExplainOptions {
+    KeyFile key;
+    std::string accept = "full";
+    std::string level = "full";
+    std::string kind;
+    std::string input = "-";
+    bool isJson = false;
+};
+
+// What explain takes an input for.
+std::string kindOf(const Report& report, const ExplainOptions& options) {
+    if (report.isPem) {
+        throw ToolError(ExitStatus::BAD_INPUT, inputName(options.input) + " is PEM text",
+                        "an envelope, a Diffie-Hellman record and a signature are explained; 'vorl inspect' "
+                        "shows what else there is");
+    }
+    if (report.kind == "unknown") {
+        // Of an unknown version, or no record at all.
+        return options.kind.empty() ? "envelope" : options.kind;
+    }
+    if (report.kind != "envelope" && report.kind != "dh-record" && report.kind != "signature") {
+        throw ToolError(ExitStatus::BAD_INPUT,
+                        inputName(options.input) + " looks like another kind of record: " + report.kind,
+                        "'vorl inspect' shows it; if it is none, --as says what it is");
+    }
+    return report.kind;
+}
+
+// Nothing where the input is not Base64 text, of which there is another way to see it.
+std::optional<Problem> textFault(const Report& report) {
+    return report.recordBytes == 0 ? report.problem : std::nullopt;
+}
+
+class Explaining {
+public:
+    explicit Explaining(const ExplainOptions& options)
+        : options_(options),
+          accepted_(acceptedLevels(options.accept)),
+          key_(options.key.isGiven() ? options.key.load(levels().front().spec().keySize, options.input)
+                                     : SecretBytes()),
+          input_(readInput(options.input)),
+          report_(inspectBytes(input_, Secrets::HIDDEN, options.kind)),
+          kind_(kindOf(report_, options)),
+          record_(report_.isBase64 ? decodeBase64Text(input_).data : input_) {
+        if (kind_ != "envelope" && options.key.isGiven()) {
+            throw ToolError(ExitStatus::USAGE, inputName(options.input) + " is no envelope, and takes no key",
+                            "leave the key out");
+        }
+    }
+
+    ExitStatus run() {
+        const Explanation explanation = explain();
+        show(explanation);
+        if (!report_.agreesWithLibrary || !explanation.agreesWithLibrary) {
+            throw ToolError(ExitStatus::FAULT, "the tool and the library disagree about this input",
+                            "please report this, with the input if it is no secret");
+        }
+        const Step* const refusing = explanation.refusing();
+        if (refusing == nullptr) {
+            return ExitStatus::SUCCESS;
+        }
+        sayError(inputName(options_.input) + ", at " + (textFault(report_) ? "character " : "offset ") +
+                 std::to_string(*refusing->offset) + ": " + refusing->reason);
+        return refusing->refusal;
+    }
+
+private:
+    Explanation explain() const {
+        const Explained explained = {record_, input_, textFault(report_)};
+        if (kind_ == "dh-record") {
+            return explainDhRecord(explained);
+        }
+        if (kind_ == "signature") {
+            return explainSignature(explained);
+        }
+        // Not before the input was inspected, which takes a policy that accepts all levels.
+        setPolicy(accepted_);
+        return explainEnvelope(explained, levelNamed(options_.level),
+                               options_.key.isGiven() ? &key_ : nullptr);
+    }
+
+    std::optional<Reception> reception() const {
+        if (kind_ != "envelope") {
+            return std::nullopt;
+        }
+        Reception reception = {{}, options_.level};
+        for (const Level& level : accepted_) {
+            reception.accepted.push_back(level.name);
+        }
+        return reception;
+    }
+
+    void show(const Explanation& explanation) const {
+        const Painter paint;
+        writeStandardOutput(options_.isJson ? explanationJson(report_, explanation, reception())
+                                            : reportText(report_, paint) + "\n" +
+                                                  explanationText(explanation, reception(), paint));
+    }
+
+    const ExplainOptions& options_;
+    const std::vector<Level> accepted_;
+    const SecretBytes key_;
+    const bytes input_;
+    const Report report_;
+    const std::string kind_;
+    const bytes record_;
+};
+
+ExitStatus explain(const ExplainOptions& options) {
+    startLibrary();
+    return Explaining(options).run();
+}
+
+}  // namespace
+
+Run declareExplain(CLI::App& command) {
+    const auto options = std::make_shared<ExplainOptions>();
+    options->key.declare(command);
+    declareAccept(command, options->accept);
+    command
+        .add_option("--level", options->level,
+                    "Level of the context that receives it: full (the default), test or none")
+        ->check(CLI::IsMember(levelNames()).description(""))
+        ->type_name("LEVEL");
+    command
+        .add_option("--as", options->kind,
+                    "What the input is, if it does not show: envelope, dh-record, signature")
+        ->check(CLI::IsMember({"envelope", "dh-record", "signature"}).description(""))
+        ->type_name("KIND");
+    command.add_flag("--json", options->isJson, "Write JSON");
+    command
+        .add_option("INPUT", options->input,
+                    "What to explain, as Base64 text or raw; standard input by default")
+        ->type_name("");
+    return [options] { return explain(*options); };
+}
+
+}  // namespace vorl::tool

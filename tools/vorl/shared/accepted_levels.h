@@ -1,0 +1,26 @@
+#ifndef VORL_TOOL_SHARED_ACCEPTED_LEVELS_H
+#define VORL_TOOL_SHARED_ACCEPTED_LEVELS_H
+
+#include "inspect/levels.h"
+
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace vorl::tool {
+
+/// Adds --accept to a command. `list` must outlive the parsing.
+void declareAccept(CLI::App& command, std::string& list);
+
+/// The levels of a list such as "full,test". Throws ToolError for what is none.
+std::vector<Level> acceptedLevels(const std::string& list);
+
+/// Makes the library accept these levels and no others.
+void setPolicy(const std::vector<Level>& accepted);
+
+}  // namespace vorl::tool
+
+#endif

@@ -12,9 +12,9 @@
 #include <iostream>
 #include <iterator>
 
-namespace {
+namespace example {
 
-using namespace example;
+namespace {
 
 const std::size_t PIECE_BYTES = 2000;
 
@@ -39,6 +39,8 @@ DeviceSession::Keep keepIn(const std::string& folder) {
 
 }  // namespace
 
+}  // namespace example
+
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     if (arguments.size() != 3 && arguments.size() != 4) {
@@ -46,16 +48,16 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        startLibrary();
-        const vorl::bytes file = contentOf(arguments[2]);
-        DeviceSession session(arguments[0], arguments[1],
-                              arguments.size() == 4 ? keepIn(arguments[3]) : nullptr);
+        example::startLibrary();
+        const vorl::bytes file = example::contentOf(arguments[2]);
+        example::DeviceSession session(arguments[0], arguments[1],
+                                       arguments.size() == 4 ? example::keepIn(arguments[3]) : nullptr);
         const std::string name = session.agree();
         std::cout << "agreed on keys, session " << name << std::endl;
         std::size_t sent = 0;
         do {  // an empty file is an empty message
             const auto piece = file.begin() + static_cast<std::ptrdiff_t>(sent);
-            const std::size_t size = std::min(PIECE_BYTES, file.size() - sent);
+            const std::size_t size = std::min(example::PIECE_BYTES, file.size() - sent);
             const auto end = piece + static_cast<std::ptrdiff_t>(size);
             const std::string receipt = session.send(vorl::bytes(piece, end));
             std::cout << "receipt: " << receipt << std::endl;

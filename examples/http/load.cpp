@@ -15,9 +15,10 @@
 #include <iomanip>
 #include <iostream>
 
+namespace example {
+
 namespace {
 
-using namespace example;
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
@@ -106,6 +107,8 @@ void run(const std::vector<std::string>& arguments) {
 
 }  // namespace
 
+}  // namespace example
+
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     if (arguments.size() != 4 && arguments.size() != 5) {
@@ -113,7 +116,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        run(arguments);
+        example::run(arguments);
         return 0;
     } catch (const std::exception& fault) {
         std::cerr << "load: " << fault.what() << '\n';

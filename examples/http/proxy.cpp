@@ -15,9 +15,10 @@
 #include <iostream>
 #include <mutex>
 
+namespace example {
+
 namespace {
 
-using namespace example;
 using Tarvik::BrisClient::Base64;
 
 struct Exchange {
@@ -268,9 +269,11 @@ std::vector<std::string> names() {
 
 }  // namespace
 
+}  // namespace example
+
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + 1, argv + argc);
-    const std::vector<std::string> all = names();
+    const std::vector<std::string> all = example::names();
     if (arguments.empty()) {
         for (const std::string& name : all) {
             std::cout << name << '\n';
@@ -281,8 +284,8 @@ int main(int argc, char** argv) {
         std::cerr << "usage: proxy [URL TAMPERING]\n";
         return 2;
     }
-    startLibrary();
-    Proxy proxy(arguments[0], arguments[1]);
+    example::startLibrary();
+    example::Proxy proxy(arguments[0], arguments[1]);
     httplib::Server server;
     server.Post(".*", [&](const httplib::Request& request, httplib::Response& response) {
         try {

@@ -21,9 +21,10 @@
 #include <memory>
 #include <mutex>
 
+namespace example {
+
 namespace {
 
-using namespace example;
 using Clock = std::chrono::steady_clock;
 using httplib::Request;
 using httplib::Response;
@@ -183,6 +184,8 @@ void blockSignals() {
 
 }  // namespace
 
+}  // namespace example
+
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + 1, argv + argc);
     if (arguments.empty() || arguments.size() > 2) {
@@ -190,12 +193,12 @@ int main(int argc, char** argv) {
         return 2;
     }
     try {
-        startLibrary();
-        blockSignals();
-        Service service(arguments[0]);
-        BoundedServer server;
+        example::startLibrary();
+        example::blockSignals();
+        example::Service service(arguments[0]);
+        example::BoundedServer server;
         service.answerAt(server);
-        const int port = server.bind(arguments.size() == 2 ? portOf(arguments[1]) : 0);
+        const int port = server.bind(arguments.size() == 2 ? example::portOf(arguments[1]) : 0);
         std::cout << "listening on http://127.0.0.1:" << port << std::endl;
         server.serveUntilSignal();
         std::cout << "ended" << std::endl;

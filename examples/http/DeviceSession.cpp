@@ -58,7 +58,7 @@ std::string DeviceSession::send(const vorl::bytes& message) {
     const std::vector<std::string> lines = linesOf(textOf(response.body()), 2);
     keep_("5-receipt", lines[0]);
     keep_("6-receipt.sig", lines[1]);
-    const std::string receipt = textOf(context_->decrypt(octetsOf(lines[0])));
+    std::string receipt = textOf(context_->decrypt(octetsOf(lines[0])));
     if (!isSigned(octetsOf(receipt), lines[1])) {
         refuse("the receipt is not signed by the service");
     }

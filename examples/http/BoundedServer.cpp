@@ -22,9 +22,10 @@ using Clock = std::chrono::steady_clock;
 const char REFUSAL[] = "HTTP/1.1 403 Forbidden\r\nConnection: close\r\nContent-Length: 0\r\n\r\n";
 const char SUCCESS[] = "HTTP/1.1 200 ";
 const std::size_t MOST_HEAD_BYTES = 16384;
-const std::size_t MOST_REQUESTS_OF_A_CONNECTION = 100000;
 const std::chrono::seconds MOST_TIME_OF_A_REQUEST(10);
 const std::chrono::seconds MOST_IDLE_TIME(5);
+// There are only so many threads, and others wait for one.
+const std::chrono::seconds MOST_TIME_OF_A_CONNECTION(60);
 const std::chrono::seconds MOST_TIME_TO_CLOSE(1);
 const std::chrono::milliseconds LOOK_FOR_THE_END(100);
 
@@ -191,9 +192,10 @@ std::optional<std::string> BoundedServer::faultOf(const httplib::Request& reques
 
 bool BoundedServer::process_and_close_socket(socket_t socket) {
     Connection connection(socket, [this] { return svr_sock_ == INVALID_SOCKET; });
+    const auto end = Clock::now() + MOST_TIME_OF_A_CONNECTION;
     bool goesOn = true;
-    for (std::size_t count = 1; goesOn && connection.begin(); ++count) {
-        const bool isLast = count == MOST_REQUESTS_OF_A_CONNECTION;
+    while (goesOn && connection.begin()) {
+        const bool isLast = Clock::now() >= end;
         bool isClosed = false;
         process_request(connection, isLast, isClosed, nullptr);
         goesOn = connection.end() && !isLast && !isClosed;

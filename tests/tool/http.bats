@@ -277,6 +277,20 @@ Signature: sig-b25=:pxcQw6G3AjtMBQjwo8XzkZf/bws5LelbaMk5rGIGtE8=:"
     equals "$(left_behind . key shared-secret shared-key-1 rfc9421 with-port with-body response port)" ""
 }
 
+@test "the base of a message that lost what was signed is refused by its component" {
+    signs
+    device_signs with-body >signed
+    sed '/^Content-Type:/d' signed >changed
+    refuses 3 "'changed' has no such signature base: the message has no component \"content-type\"" "" \
+        vorl http base changed
+    device_signs --request with-body response >answer
+    refuses 3 "'answer' has no such signature base: there is no answered request for component \"@method\";req" "" \
+        vorl http base answer
+    sed 's/^Signature-Input: .*/Signature-Input: vorl=(/' signed >broken
+    refuses 3 "'broken' has no such signature base: the message has a field Signature-Input that cannot be read" "" \
+        vorl http base --keyid device broken
+}
+
 @test "what no signature looks like is wrong usage" {
     signs
     local hint="components are written in lower case, such as @method or content-type, and a label too"

@@ -41,6 +41,19 @@ vorl: hint: $INSIST"
     done
 }
 
+@test "neither is a signed HTTP message with such a body" {
+    [ "$VORL_SIGNS_HTTP" = 1 ] || skip "built without the signer"
+    printf 'PUT / HTTP/1.1\nHost: a\nContent-Type: b\n\n\xff' >request
+    local sign="'$VORL' http sign -k key --key-format hex --keyid device"
+    in_terminal "$sign request 2>told"
+    equals "$status$output" 2
+    equals "$(cat told)" "vorl: error: binary data is not written to a terminal
+vorl: hint: $INSIST"
+    in_terminal "$sign request -o signed"
+    equals "$status$output" 0
+    equals "$(tail -c 1 signed | hex)" ff
+}
+
 @test "a message of plain text is" {
     for message in "hello" $'two\n\tlines' "Grüße" "€" "𝄞"; do
         printf %s "$message" >plain

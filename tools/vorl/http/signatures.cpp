@@ -162,13 +162,13 @@ SecretBytes loadSigningKey(const HttpOptions& options) {
     return SecretBytes(HttpRequestSigner::keyOfContext(key.get()));
 }
 
+// What cannot be done with a message, the library says by an exception that names the component.
 template <class Operation>
-auto orRefuse(const HttpOptions& options, const Operation& operation) {
+auto orRefuse(const HttpOptions& options, const std::string& what, const Operation& operation) {
     try {
         return operation();
     } catch (const VORLException& fault) {
-        throw ToolError(ExitStatus::BAD_INPUT,
-                        inputName(options.input) + " cannot be signed so: " + fault.what());
+        throw ToolError(ExitStatus::BAD_INPUT, inputName(options.input) + " " + what + ": " + fault.what());
     }
 }
 
@@ -189,7 +189,8 @@ ExitStatus writeSignatureBase(const HttpOptions& options) {
     if (hasParameter(profile, "nonce")) {
         requireRandom();
     }
-    std::string base = orRefuse(options, [&] { return message.base(options.keyid.value_or(""), *signer); });
+    std::string base = orRefuse(options, "has no such signature base",
+                                [&] { return message.base(options.keyid.value_or(""), *signer); });
     if (!message.keyid(profile.label) && isNamelessByOurselves(base)) {
         requireKeyid(options, profile);
     }
@@ -212,7 +213,8 @@ ExitStatus signHttpMessage(const HttpOptions& options) {
     if (hasParameter(profile, "nonce")) {
         requireRandom();
     }
-    const bytes text = orRefuse(options, [&] { return message.sign(options.keyid.value_or(""), *signer); });
+    const bytes text = orRefuse(options, "cannot be signed so",
+                                [&] { return message.sign(options.keyid.value_or(""), *signer); });
     if (!isPlainText(text)) {
         refuseBinaryOnTerminal(options.output);
     }

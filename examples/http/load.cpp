@@ -12,6 +12,7 @@
 #include <chrono>
 #include <fstream>
 #include <future>
+#include <initializer_list>
 #include <iomanip>
 #include <iostream>
 
@@ -73,7 +74,7 @@ void report(std::vector<Milliseconds> times, std::chrono::duration<double> whole
     std::cout << std::fixed << std::setprecision(2) << times.size() << " messages of " << MESSAGE_BYTES
               << " bytes in " << whole.count() << " s, each with its receipt\n"
               << static_cast<double>(times.size()) / whole.count() << " requests per second\n";
-    for (const std::size_t percent : {50, 90, 99, 100}) {
+    for (const std::size_t percent : std::initializer_list<std::size_t>{50, 90, 99, 100}) {
         const std::size_t rank = (times.size() * percent + 99) / 100;
         std::cout << percent << " % within " << times.at(rank - 1).count() << " ms\n";
     }

@@ -250,6 +250,7 @@ private:
     bool holds(const std::string& keyid, const SignedMessage& message);
     bool isByThisKey(const InnerList& input, const std::string& keyid) const;
     bool coversEnough(const InnerList& input, const SignedMessage& message) const;
+    bool isCodeOf(const std::string& base, const Octets& code) const;
     bool isInTime(const InnerList& input, std::int64_t now) const;
     bool isFirst(const InnerList& input, std::int64_t now);
 
@@ -369,11 +370,16 @@ bool HttpRequestSigner::Engine::holds(const std::string& keyid, const SignedMess
         return false;
     }
     const auto* code = std::get_if<Octets>(&signature->value);
-    if (code == nullptr || code->size() != CODE_BYTES ||
-        CRYPTO_memcmp(code->data(), codeOf(key_, base).data(), CODE_BYTES) != 0) {
-        return false;
-    }
-    return isFirst(*input, time);
+    return code != nullptr && isCodeOf(base, *code) && isFirst(*input, time);
+}
+
+bool HttpRequestSigner::Engine::isCodeOf(const std::string& base, const Octets& code) const {
+    Octets expected = codeOf(key_, base);
+    const bool isEqual =
+        code.size() == CODE_BYTES && CRYPTO_memcmp(code.data(), expected.data(), CODE_BYTES) == 0;
+    // To whoever has sent another one, it is a signature.
+    OPENSSL_cleanse(expected.data(), expected.size());
+    return isEqual;
 }
 
 // The key decides on the algorithm: what the message says of it can only be wrong.

@@ -8,9 +8,12 @@ namespace tarvik::crypto {
 
 std::shared_ptr<IRequestSigner> requestSignerFor(const std::vector<unsigned char>& contextKey) {
     std::vector<unsigned char> key = HttpRequestSigner::keyOfContext(contextKey);
-    const auto signer = std::make_shared<HttpRequestSigner>(key);
-    OPENSSL_cleanse(key.data(), key.size());
-    return signer;
+    // Also where there is no memory for the signer.
+    const auto wipe = [](std::vector<unsigned char>* octets) {
+        OPENSSL_cleanse(octets->data(), octets->size());
+    };
+    const std::unique_ptr<std::vector<unsigned char>, decltype(wipe)> wiped(&key, wipe);
+    return std::make_shared<HttpRequestSigner>(key);
 }
 
 }  // namespace tarvik::crypto

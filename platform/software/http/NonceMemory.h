@@ -16,18 +16,20 @@ public:
     /// let its message pass a second time.
     explicit NonceMemory(std::size_t most) : most_(most) {}
 
-    /// Whether the nonce is new at that time, in seconds. It is then kept until after `until`. After the
-    /// clock has gone back, one that may be among the forgotten is not new.
+    /// Whether the nonce is new at that time, in seconds. It is then kept until after `until`, when the next
+    /// one comes. After the clock has gone back, one that may be among the forgotten is not new.
     bool take(const std::string& nonce, std::int64_t now, std::int64_t until);
 
 private:
+    static constexpr std::int64_t NEVER = std::numeric_limits<std::int64_t>::max();
+
     void forget(std::int64_t now);
 
     const std::size_t most_;
     std::unordered_map<std::string, std::int64_t> until_;
     // No nonce that is kept lapses before.
-    std::int64_t firstLapse_ = 0;
-    // All that lapsed before may be forgotten.
+    std::int64_t firstLapse_ = NEVER;
+    // None that is forgotten lapsed after.
     std::int64_t forgotten_ = std::numeric_limits<std::int64_t>::min();
 };
 

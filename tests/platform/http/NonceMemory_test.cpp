@@ -107,4 +107,13 @@ TEST(NonceMemory, TakesNothingThatHadLapsedBeforeTheClockWentBack) {
     EXPECT_TRUE(memory.take("new", 399, 401));
 }
 
+// A memory that is not full forgets as well: what it would not tell apart any more shows it.
+TEST(NonceMemory, ForgetsWhatHasLapsedAlsoWhileItHasRoom) {
+    NonceMemory memory(10);
+    ASSERT_TRUE(memory.take("a", 100, 400));
+    ASSERT_TRUE(memory.take("b", 401, 701));
+    EXPECT_FALSE(memory.take("new", 399, 400));
+    EXPECT_TRUE(memory.take("new", 399, 401));
+}
+
 }  // namespace vorl::test

@@ -69,7 +69,7 @@ public:
     void sign(const std::string& keyid, tarvik::http::IHttpStream::Request& request) override;
     /// Whether the response carries one signature under the profile's label, by this key and keyid, in time
     /// and for the first time, over all that the profile covers, and the body is the one that was digested.
-    /// Nothing but lack of memory is thrown.
+    /// Nothing is thrown but lack of memory, and what the profile's clock throws.
     bool verify(const std::string& keyid, tarvik::http::IHttpStream& stream) override;
 
     /// What the other side does: a service signs the responses and verifies the requests.

@@ -6,7 +6,7 @@ root=$(CDPATH="" cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." >/dev/null && pwd)
 
 # What building and testing need, beyond a base Debian 12.
 build_packages=(g++ cmake ninja-build libssl-dev libcli11-dev nlohmann-json3-dev libcpp-httplib-dev pkg-config)
-test_packages=(libgtest-dev libgmock-dev bats openssl bsdutils scdoc man-db zsh fish)
+test_packages=(libgtest-dev libgmock-dev bats openssl bsdutils scdoc man-db strace zsh fish)
 
 say() {
     printf '== %s\n' "$*"

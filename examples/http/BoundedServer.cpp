@@ -20,6 +20,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 const char REFUSAL[] = "HTTP/1.1 403 Forbidden\r\nConnection: close\r\nContent-Length: 0\r\n\r\n";
+const char OF_AN_AUTHORITY[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-._~:[]";
 const char SUCCESS[] = "HTTP/1.1 200 ";
 const std::size_t MOST_HEAD_BYTES = 16384;
 const std::chrono::seconds MOST_TIME_OF_A_REQUEST(10);
@@ -40,6 +41,8 @@ public:
     bool begin() {
         deadline_ = Clock::now() + MOST_IDLE_TIME;
         received_ = 0;
+        head_ = Head::REQUEST_LINE;
+        line_.clear();
         answer_.clear();
         if (isEnding_() || (at_ == filled_ && !fill())) {
             return false;
@@ -68,8 +71,7 @@ public:
     }
 
     ssize_t read(char* data, std::size_t size) override {
-        // What has been written before all is read says "100 Continue".
-        if (!flush() || (at_ == filled_ && !fill())) {
+        if (at_ == filled_ && !fill()) {
             return -1;
         }
         const std::size_t taken =
@@ -77,7 +79,9 @@ public:
         std::copy_n(buffer_.begin() + static_cast<std::ptrdiff_t>(at_), taken, data);
         at_ += taken;
         received_ += taken;
-        return taken == 0 ? -1 : static_cast<ssize_t>(taken);
+        return taken == 0 || !std::all_of(data, data + taken, [this](char octet) { return isPlain(octet); })
+                   ? -1
+                   : static_cast<ssize_t>(taken);
     }
 
     ssize_t write(const char* data, std::size_t size) override {
@@ -92,6 +96,26 @@ public:
     socket_t socket() const override { return socket_; }
 
 private:
+    enum class Head { REQUEST_LINE, FIELDS, READ };
+
+    // cpp-httplib drops what follows a # in the target, and decodes %2f and its like in the fields: others
+    // than those on the wire would be verified and obeyed.
+    bool isPlain(char octet) {
+        if (head_ == Head::READ) {
+            return true;
+        }
+        if (octet == (head_ == Head::REQUEST_LINE ? '#' : '%')) {
+            return false;
+        }
+        // A line of LF alone does not end the fields for cpp-httplib.
+        line_.push_back(octet);
+        if (octet == '\n') {
+            head_ = head_ == Head::FIELDS && line_ == "\r\n" ? Head::READ : Head::FIELDS;
+            line_.clear();
+        }
+        return true;
+    }
+
     bool await(short event) const {
         pollfd one{socket_, event, 0};
         int ready = 0;
@@ -126,6 +150,8 @@ private:
     std::function<bool()> isEnding_;
     Clock::time_point deadline_;
     std::size_t received_ = 0;
+    Head head_ = Head::REQUEST_LINE;
+    std::string line_;
     std::array<char, 16384> buffer_{};
     std::size_t at_ = 0;
     std::size_t filled_ = 0;
@@ -176,6 +202,15 @@ void BoundedServer::serveUntilSignal() {
 std::optional<std::string> BoundedServer::faultOf(const httplib::Request& request) {
     if (request.get_header_value_count("Host") != 1) {
         return "a request names no host, or several";
+    }
+    // Else the two together could be the address of another request, which was signed.
+    const std::string host = request.get_header_value("Host");
+    if (host.empty() || host.find_first_not_of(OF_AN_AUTHORITY) != std::string::npos ||
+        request.target.compare(0, 1, "/") != 0) {
+        return "a request is not addressed by host and path";
+    }
+    if (request.has_header("Expect") || request.has_header("Range")) {
+        return "a request asks for more than an answer";
     }
     // Of others, cpp-httplib would read and unpack as much as there is.
     const std::string length = request.get_header_value("Content-Length");

@@ -9,10 +9,11 @@
 
 namespace example {
 
-/// An HTTP server on this machine that no client can hold up or fill, and that refuses in one way.
+/// An HTTP server on this machine that bounds what a request may take, and that refuses in one way.
 ///
 /// The octets and the time of each request are counted as they come in, whatever it claims about itself. What
-/// is not answered with status 200 is answered by the same octets, and the connection ends.
+/// is not answered with status 200 is answered by the same octets, and the connection ends. How many
+/// connections wait for a thread is not bounded here: that is left to whatever stands in front.
 class BoundedServer : public httplib::Server {
 public:
     static constexpr std::size_t MOST_BODY_BYTES = 65536;

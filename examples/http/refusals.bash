@@ -18,16 +18,20 @@ ask() {
     exec {connection}>&-
 }
 
-# refused NAME REQUEST [REASON]: by the known octets, and for this reason in the log.
+# refused NAME REQUEST [REASON]: by the known octets, and for this reason in the log; with "unread" for a reason, without
+# a line in the log.
 refused() {
-    local before
+    local before expected
+    expected="refused: ${3-}"
+    [[ ${3-} != unread ]] || expected=
     before=$(wc -l <service.log)
     printf '%b' "$2" | ask "$1"
     cmp refusal "$1.answer" || fail "$1: it is refused in another way"
-    [[ -z ${3-} || $(tail -n "+$((before + 1))" service.log) == "refused: $3" ]] ||
+    [[ -z ${3-} || $(tail -n "+$((before + 1))" service.log) == "$expected" ]] ||
         fail "$1: the reason in the log is another one"
 }
 
+hosts=0
 host='Host: 127.0.0.1\r\n'
 type='Content-Type: application/octet-stream\r\n'
 agree="POST /v1/agree HTTP/1.1\r\n$host$type"
@@ -40,6 +44,22 @@ refused other-method "GET /v1/agree HTTP/1.1\r\n$host\r\n" 'nothing is served th
 refused head-only "HEAD /v1/agree HTTP/1.1\r\n$host\r\n" 'nothing is served there'
 refused no-host "POST /v1/agree HTTP/1.1\r\nContent-Length: 0\r\n\r\n" 'a request names no host, or several'
 refused two-hosts "POST /v1/agree HTTP/1.1\r\n$host${host}Content-Length: 0\r\n\r\n" 'a request names no host, or several'
+addressed='a request is not addressed by host and path'
+for wrong in '127.0.0.1/x' '127.0.0.1?q=' '127.0.0.1#x' 'x@127.0.0.1' '127.0.0.1 x' '127.0.0.1\\x' '127.0.0.1\x01'; do
+    refused "host-$((++hosts))" "POST /v1/messages HTTP/1.1\r\nHost: $wrong\r\n${type}Content-Length: 5\r\n\r\nAAAA\n" "$addressed"
+done
+refused no-slash "POST %2fv1/messages HTTP/1.1\r\n$host${type}Content-Length: 5\r\n\r\nAAAA\n" "$addressed"
+more='a request asks for more than an answer'
+refused expect "${agree}Expect: 100-continue\r\nContent-Length: 5\r\n\r\nAAAA\n" "$more"
+refused expect-other "${agree}Expect: other\r\nContent-Length: 5\r\n\r\nAAAA\n" "$more"
+refused range "${agree}Range: bytes=0-1\r\nContent-Length: 5\r\n\r\nAAAA\n" "$more"
+refused empty-host "POST /v1/agree HTTP/1.1\r\nHost: \r\nContent-Length: 0\r\n\r\n" 'a request names no host, or several'
+refused fragment "POST /v1/agree#x HTTP/1.1\r\n$host${type}Content-Length: 5\r\n\r\nAAAA\n" unread
+refused encoded-length "${agree}Content-Length: %35\r\n\r\nAAAA\n" unread
+refused encoded-type "POST /v1/agree HTTP/1.1\r\n${host}Content-Type: a%2fb\r\nContent-Length: 5\r\n\r\nAAAA\n" unread
+refused encoded-host "POST /v1/agree HTTP/1.1\r\nHost: %3127.0.0.1\r\nContent-Length: 5\r\n\r\nAAAA\n" unread
+refused encoded-behind-bare-line "POST /v1/agree HTTP/1.1\r\n$host\nX\n\nContent-Length: %35\r\n\r\nAAAA\n" unread
+refused percent-in-body "${agree}Content-Length: 5\r\n\r\n%%41\n" 'Unable to Base64 decode input:'
 refused no-length "$agree\r\nAAAA\n" "$plainly"
 refused two-lengths "${agree}Content-Length: 5\r\nContent-Length: 6\r\n\r\nAAAA\n" "$plainly"
 refused negative-length "${agree}Content-Length: -1\r\n\r\nAAAA\n" "$plainly"

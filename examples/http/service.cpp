@@ -51,6 +51,11 @@ public:
         : privateKey_(vorl::PrivKey::loadFromPEMFile(privateKey)) {}
 
     void answerAt(BoundedServer& server) {
+        // In the place of "100 Continue", which would come before the one refusal.
+        server.set_expect_100_continue_handler([this](const Request& request, Response& response) {
+            isGuarded(response, [&] { admit(request); });
+            return response.status;
+        });
         server.set_pre_routing_handler([this](const Request& request, Response& response) {
             return isGuarded(response, [&] { admit(request); }) ? HandlerResponse::Unhandled
                                                                 : HandlerResponse::Handled;

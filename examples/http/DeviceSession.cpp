@@ -59,7 +59,7 @@ std::string DeviceSession::send(const vorl::bytes& message) {
     keep_("5-receipt", lines[0]);
     keep_("6-receipt.sig", lines[1]);
     std::string receipt = textOf(context_->decrypt(octetsOf(lines[0])));
-    if (!isSigned(octetsOf(receipt), lines[1])) {
+    if (!isSigned(signedReceiptOf(session_, receipt), lines[1])) {
         refuse("the receipt is not signed by the service");
     }
     if (receipt != receiptFor(message)) {

@@ -30,6 +30,11 @@ case $refusing in
     cmp expected <(grep '^received ' service.log) || fail 'the service gave other receipts'
     cmp <(grep '^agreed' device.log) <(grep '^agreed' service.log) || fail 'they do not agree on the session'
     ! grep '^refused' service.log || fail 'something was refused'
+    # The last receipt and its session, as somebody else verifies it: the signature ends the record.
+    { sed -n 's/^agreed on keys, session //p' device.log && tail -n 1 expected; } | head -c -1 >signed
+    base64 -d kept/6-receipt.sig | tail -c 256 >signature
+    openssl x509 -in "$certificate" -noout -pubkey >public.pem
+    openssl dgst -sha1 -verify public.pem -signature signature signed >verified || fail 'the receipt is not signed for this session'
     ;;
 service)
     [[ $status -eq 1 ]] || fail "the device ends with $status"

@@ -1,5 +1,8 @@
 #include "protocol.h"
 
+#include <openssl/crypto.h>
+#include <openssl/rand.h>
+
 #include <algorithm>
 #include <sstream>
 #include <stdexcept>
@@ -15,8 +18,7 @@ Sgh5jjQE3e+VGbPNOkMbMCsKbfJfFDdP4TVtbVHCReSFtXZiXn7G9ExC6aY37WsL
 )";
 
 void startLibrary() {
-    // OpenSSL 1.1.1 and later seed themselves.
-    vorl::Random::init_ = true;
+    vorl::Random::init_ = RAND_status() == 1;
     vorl::VORLLib::init();
     vorl::VORLLib::setAllowedEncryptionType(vorl::EncryptionType::NULL_CIPHER(), false);
     vorl::VORLLib::setAllowedEncryptionType(vorl::EncryptionType::TEST_CIPHER(), false);
@@ -52,11 +54,12 @@ vorl::bytes agreementOf(const std::string& session, const std::string& deviceRec
 }
 
 vorl::ClientKeys keysOf(const vorl::DiffieHellman& own, const std::string& peerRecord) {
-    const vorl::bytes secret = own.computeSharedSecret(octetsOf(peerRecord));
-    if (std::all_of(secret.begin(), secret.end(), [](unsigned char octet) { return octet == 0; })) {
+    const Secret secret(own.computeSharedSecret(octetsOf(peerRecord)));
+    const vorl::bytes& octets = secret.octets();
+    if (std::all_of(octets.begin(), octets.end(), [](unsigned char octet) { return octet == 0; })) {
         refuse("the peer sent a number that fixes the secret");
     }
-    return vorl::ClientKeys(secret);
+    return vorl::ClientKeys(octets);
 }
 
 std::string receiptFor(const vorl::bytes& message) {
@@ -65,6 +68,14 @@ std::string receiptFor(const vorl::bytes& message) {
     digester.update(message);
     return "received " + std::to_string(message.size()) + " bytes, SHA-256 " +
            vorl::Util::toHexString(digester.final(), "");
+}
+
+vorl::bytes signedReceiptOf(const std::string& session, const std::string& receipt) {
+    return octetsOf(session + '\n' + receipt);
+}
+
+Secret::~Secret() {
+    OPENSSL_cleanse(octets_.data(), octets_.size());
 }
 
 tarvik::http::IHttpStream::Fields fieldsOf(const httplib::Headers& headers) {

@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// What device and service have in common: two exchanges, of which every body is lines of text.
@@ -16,14 +17,16 @@
 ///                         -> session, the service's DH record, its signature over both records and the
 ///                         session
 ///     POST /v1/messages   an envelope; signed (RFC 9421), the session is the keyid
-///                         -> an envelope with the receipt, the service's signature over the receipt; signed
-///                         too
+///                         -> an envelope with the receipt, the service's signature over the session and the
+///                         receipt; signed too
 ///
 /// The keys are those of vorl::ClientKeys from the agreed secret: the encryption key makes the
 /// vorl::VorlContext, which encrypts and signs. The certificate, which the device has from its maker, proves
 /// who is at the other end.
 namespace example {
 
+/// Of RFC 2409, so that the example starts at once. Many use it, and who has spent the effort on it once
+/// opens the agreements of all: a real service generates its own, and its devices are made with it.
 extern const char GROUP[];
 inline constexpr char AGREE[] = "/v1/agree";
 inline constexpr char MESSAGES[] = "/v1/messages";
@@ -50,6 +53,25 @@ vorl::ClientKeys keysOf(const vorl::DiffieHellman& own, const std::string& peerR
 
 /// What a receipt says.
 std::string receiptFor(const vorl::bytes& message);
+
+/// What the service signs: the session stands in front since a device chooses much of the receipt, but not
+/// that.
+vorl::bytes signedReceiptOf(const std::string& session, const std::string& receipt);
+
+/// Wiped when it goes.
+class Secret {
+public:
+    explicit Secret(vorl::bytes octets) : octets_(std::move(octets)) {}
+    ~Secret();
+
+    Secret(const Secret&) = delete;
+    Secret& operator=(const Secret&) = delete;
+
+    const vorl::bytes& octets() const { return octets_; }
+
+private:
+    vorl::bytes octets_;
+};
 
 /// Between cpp-httplib and the library.
 tarvik::http::IHttpStream::Fields fieldsOf(const httplib::Headers& headers);

@@ -37,7 +37,9 @@ const std::chrono::minutes MOST_IDLE(10);
 // What one device shares with us. A request holds the mutex while it uses the context and the signer.
 struct Session {
     explicit Session(const vorl::bytes& key)
-        : context(key), signer(HttpRequestSigner::keyOfContext(key)), lastUse(Clock::now()) {}
+        : context(key),
+          signer(Secret(HttpRequestSigner::keyOfContext(key)).octets()),
+          lastUse(Clock::now()) {}
 
     std::mutex mutex;
     vorl::VorlContext context;
@@ -109,7 +111,7 @@ private:
         const std::string receipt =
             receiptFor(session->context.decrypt(octetsOf(linesOf(request.body, 1).front())));
         answer.content = octetsOf(textOf(session->context.encrypt(octetsOf(receipt))) + '\n' +
-                                  signatureOver(octetsOf(receipt)) + '\n');
+                                  signatureOver(signedReceiptOf(*name, receipt)) + '\n');
         answer.headerFields = {{"Content-Type", CONTENT_TYPE}};
         session->signer.signResponse(*name, answer);
         response.headers = headersOf(answer.headerFields);

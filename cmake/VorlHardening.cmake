@@ -1,6 +1,7 @@
 # vorl_harden(TARGETS...): compiles and links what is shipped so that a fault in it is hard to exploit: a damaged stack is
 # noticed, the C library checks sizes where it knows them, and nothing that a program writes to is ever executed or
-# decides where a call goes. tests/hardening looks for all of it in what is installed.
+# decides where a call goes. tests/hardening looks for it in what is installed, but for -fcf-protection: whether a program
+# is marked for it depends on the C library's start-up objects as well.
 option(VORL_HARDENING "Compile and link with the protections of compiler, linker and C library" ON)
 
 include(CheckCXXCompilerFlag)
@@ -32,10 +33,19 @@ function(vorl_harden)
         return()
     endif()
     foreach(target IN LISTS ARGN)
-        if(TARGET ${target})
+        if(TARGET "${target}")
+            get_target_property(aliased ${target} ALIASED_TARGET)
+            if(aliased)
+                set(target ${aliased})
+            endif()
+            get_target_property(type ${target} TYPE)
+            get_target_property(imported ${target} IMPORTED)
+            # A device's platform may have been compiled elsewhere.
+            if(imported OR type STREQUAL "INTERFACE_LIBRARY")
+                continue()
+            endif()
             set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
             target_compile_options(${target} PRIVATE ${vorl_hardening_options})
-            get_target_property(type ${target} TYPE)
             if(type MATCHES "^(SHARED_LIBRARY|MODULE_LIBRARY|EXECUTABLE)$")
                 target_link_options(${target} PRIVATE LINKER:-z,relro LINKER:-z,now LINKER:-z,noexecstack)
             endif()

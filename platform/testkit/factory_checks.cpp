@@ -111,10 +111,11 @@ void encryptsNothingWithoutAKey(const Platform& platform) {
 void contextsOutliveARestart(const Platform& platform) {
     const Subject before(platform);
     const auto survivor = before.context(AES_MODES[1]);
-    const auto ended = before.context(AES_MODES[1], SECOND_KEY);
+    auto ended = before.context(AES_MODES[1], SECOND_KEY);
     doing(operation(AES_MODES[1], Direction::ENCRYPT, 5),
           [&] { init(*ended, Direction::ENCRYPT, ivOf(AES_MODES[1], 0)); });
     doing("cleanup()", platform.cleanup);
+    ended.reset();
     doing("init() after a cleanup()", platform.init);
     const bytes iv = ivOf(AES_MODES[1], 0);
     const std::string when = operation(AES_MODES[1], Direction::ENCRYPT, 20) +

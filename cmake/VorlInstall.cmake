@@ -89,6 +89,8 @@ install(FILES
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation FILES_MATCHING PATTERN "*.md" PATTERN man EXCLUDE)
+# Not what builds and tests the examples in this tree.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
-    REGEX "/examples/CMakeLists\\.txt$" EXCLUDE)
+    REGEX "/examples/(http/)?CMakeLists\\.txt$" EXCLUDE
+    REGEX "/examples/http/[^/]*\\.bash$" EXCLUDE)

@@ -54,7 +54,8 @@ vorl::ClientKeys keysOf(const vorl::DiffieHellman& own, const std::string& peerR
 /// What a receipt says.
 std::string receiptFor(const vorl::bytes& message);
 
-/// What the service signs to prove that a receipt is its own: alone, it would pass for one of another session.
+/// What the service signs to prove that a receipt is its own: alone, it would pass for one of another
+/// session.
 vorl::bytes signedReceiptOf(const std::string& session, const std::string& receipt);
 
 /// Wiped when it goes.

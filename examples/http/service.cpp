@@ -7,17 +7,15 @@
 // The reason stands in its output.
 
 #include "BoundedServer.h"
+#include "Sessions.h"
 #include "protocol.h"
 
 #include <brisclient/Base64.h>
 #include <tarvik/crypto/HttpRequestSigner.h>
 
-#include <atomic>
 #include <charconv>
-#include <chrono>
 #include <csignal>
 #include <iostream>
-#include <map>
 #include <memory>
 #include <mutex>
 
@@ -25,27 +23,10 @@ namespace example {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using httplib::Request;
 using httplib::Response;
 using tarvik::crypto::HttpRequestSigner;
 using HandlerResponse = httplib::Server::HandlerResponse;
-
-const std::size_t MOST_SESSIONS = 64;
-const std::chrono::minutes MOST_IDLE(10);
-
-// What one device shares with us. A request holds the mutex while it uses the context and the signer.
-struct Session {
-    explicit Session(const vorl::bytes& key)
-        : context(key),
-          signer(Secret(HttpRequestSigner::keyOfContext(key)).octets()),
-          lastUse(Clock::now()) {}
-
-    std::mutex mutex;
-    vorl::VorlContext context;
-    HttpRequestSigner signer;
-    std::atomic<Clock::time_point> lastUse;
-};
 
 class Service {
 public:
@@ -85,9 +66,10 @@ private:
         const std::string theirs = linesOf(request.body, 1).front();
         const auto own = vorl::DiffieHellman::generate(vorl::DiffieHellmanParams{std::string(GROUP)});
         const std::string ours = textOf(own->getPubKey());
-        const auto session = std::make_shared<Session>(keysOf(*own, theirs).encryptionKey());
+        const auto session =
+            std::make_shared<Session>(keysOf(*own, theirs).encryptionKey(), Session::Clock::now());
         const std::string name = vorl::Util::toHexString(vorl::Random::next(16), "");
-        keep(name, session);
+        sessions_.keep(name, session, Session::Clock::now());
         response.set_content(
             name + '\n' + ours + '\n' + signatureOver(agreementOf(name, theirs, ours)) + '\n', CONTENT_TYPE);
         log("agreed on keys, session " + name);
@@ -101,13 +83,13 @@ private:
         if (!name) {
             refuse("a request is not signed");
         }
-        const std::shared_ptr<Session> session = find(*name);
+        const std::shared_ptr<Session> session = sessions_.find(*name, Session::Clock::now());
         const std::lock_guard lock(session->mutex);
         // Before it is decrypted: an answer to what nobody signed would tell how its decryption went.
         if (!session->signer.verifyRequest(*name, *answer.answered)) {
             refuse("the signature of a request does not hold");
         }
-        session->lastUse = Clock::now();
+        session->lastUse = Session::Clock::now();
         const std::string receipt =
             receiptFor(session->context.decrypt(octetsOf(linesOf(request.body, 1).front())));
         answer.content = octetsOf(textOf(session->context.encrypt(octetsOf(receipt))) + '\n' +
@@ -133,26 +115,6 @@ private:
         }
     }
 
-    void keep(const std::string& name, const std::shared_ptr<Session>& session) {
-        const std::lock_guard lock(sessionsMutex_);
-        for (auto at = sessions_.begin(); at != sessions_.end();) {
-            at = Clock::now() - at->second->lastUse.load() > MOST_IDLE ? sessions_.erase(at) : std::next(at);
-        }
-        if (sessions_.size() >= MOST_SESSIONS) {
-            refuse("there are as many sessions as there may be");
-        }
-        sessions_.emplace(name, session);
-    }
-
-    std::shared_ptr<Session> find(const std::string& name) {
-        const std::lock_guard lock(sessionsMutex_);
-        const auto found = sessions_.find(name);
-        if (found == sessions_.end()) {
-            refuse("there is no such session");
-        }
-        return found->second;
-    }
-
     std::string signatureOver(const vorl::bytes& data) {
         const std::lock_guard lock(privateKeyMutex_);
         return textOf(Tarvik::BrisClient::Base64::encode(
@@ -164,8 +126,7 @@ private:
         std::cout << line << std::endl;
     }
 
-    std::mutex sessionsMutex_;
-    std::map<std::string, std::shared_ptr<Session>> sessions_;
+    Sessions sessions_;
     std::mutex privateKeyMutex_;
     std::shared_ptr<const vorl::PrivKey> privateKey_;
     std::mutex logMutex_;

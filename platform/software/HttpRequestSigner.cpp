@@ -213,7 +213,7 @@ std::shared_ptr<const HttpSignatureProfile> usualProfile() {
 }  // namespace
 
 // What is the same for both directions: how a message is signed, and how a signature is judged.
-class HttpRequestSigner::Engine {
+class __attribute__((visibility("hidden"))) HttpRequestSigner::Engine {
 public:
     Engine(const Octets& key, std::shared_ptr<const HttpSignatureProfile> profile)
         : profile_(std::move(profile)), components_(parsedComponents(profile_->components)) {

@@ -23,7 +23,7 @@ public:
 
     /// The value of a component (RFC 9421, section 2). Throws vorl::VORLException, which names the component,
     /// for one that is not known, that the message does not have, or that cannot stand in a signature base.
-    std::string valueOf(const structured::Item& component) const;
+    std::string valueOf(const structured::Item& item) const;
 
 private:
     std::string derived(const std::string& name) const;

@@ -45,11 +45,12 @@ Json digestVectors() {
     for (const Algo& algo : {DigestAlgo::SHA1(), DigestAlgo::SHA224(), DigestAlgo::SHA256(),
                              DigestAlgo::SHA384(), DigestAlgo::SHA512()}) {
         // Around the last places where the length of the message still fits into its last block.
-        for (const std::size_t size : {0, 1, 55, 56, 63, 64, 65, 111, 112, 127, 128, 129, 100000}) {
+        for (const std::size_t size :
+             {0U, 1U, 55U, 56U, 63U, 64U, 65U, 111U, 112U, 127U, 128U, 129U, 100000U}) {
             json["digests"].push_back(digestJson(algo, size));
         }
         // Around the sizes from which on a key is replaced by its digest.
-        for (const std::size_t keyBytes : {0, 20, 64, 65, 128, 129}) {
+        for (const std::size_t keyBytes : {0U, 20U, 64U, 65U, 128U, 129U}) {
             json["hmacs"].push_back(hmacJson(algo, keyBytes, 0));
             json["hmacs"].push_back(hmacJson(algo, keyBytes, 50));
         }

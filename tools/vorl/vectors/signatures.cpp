@@ -92,13 +92,13 @@ Json signatureVectors() {
     json["signatures"] = Json::array();
     for (const SampleKey& key : KEYS) {
         json["keys"].push_back(keyJson(key));
-        for (const std::size_t size : {0, 1, 20, 64, 65, 16384, 100000}) {
+        for (const std::size_t size : {0U, 1U, 20U, 64U, 65U, 16384U, 100000U}) {
             json["signatures"].push_back(signatureJson(key, size));
         }
     }
     json["mismatches"] = mismatches(KEYS[0], KEYS[1]);
     json["records"] = Json::array();
-    for (const std::size_t size : {0, 1, 127, 128, 16383, 16384, 16385, 65536, 65537}) {
+    for (const std::size_t size : {0U, 1U, 127U, 128U, 16383U, 16384U, 16385U, 65536U, 65537U}) {
         json["records"].push_back(recordJson(size));
     }
     json["refused"] = {refusedJson({}), refusedJson({0x00}), refusedJson({0x02, 0x01, 0xff}),

@@ -81,7 +81,7 @@ Json textVectors() {
     }
     json["blocks"] = Json::array();
     json["dumps"] = Json::array();
-    for (const std::size_t size : {0, 1, 15, 16, 17, 24, 25, 26, 48, 100}) {
+    for (const std::size_t size : {0U, 1U, 15U, 16U, 17U, 24U, 25U, 26U, 48U, 100U}) {
         for (const Layout& layout : LAYOUTS) {
             json["blocks"].push_back(blockJson(size, layout));
         }

@@ -26,5 +26,13 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
+# pkg-config, which CMake starts while it configures, is to see the sysroot's packages, and no others.
+set(ENV{PKG_CONFIG_LIBDIR}
+    "${vorl_sysroot}/usr/lib/${VORL_CROSS_MULTIARCH}/pkgconfig:${vorl_sysroot}/usr/share/pkgconfig")
+set(ENV{PKG_CONFIG_SYSROOT_DIR} "${vorl_sysroot}")
+
 set(vorl_target_libraries "/usr/${VORL_CROSS_GNU}/lib")
-set(vorl_sysroot_libraries "${vorl_sysroot}/usr/lib/${VORL_CROSS_MULTIARCH}")
+set(vorl_sysroot_libraries
+    "${vorl_sysroot}/usr/lib/${VORL_CROSS_MULTIARCH}:${vorl_sysroot}/lib/${VORL_CROSS_MULTIARCH}")
+# Where the linker looks for what a library of the sysroot needs in turn.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-Wl,-rpath-link,${vorl_sysroot_libraries}")

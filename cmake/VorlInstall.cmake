@@ -41,6 +41,7 @@ endif()
 
 # Who links the library calls OpenSSL through its headers as well, and gets on only with the major version it was built for.
 string(REGEX MATCH "^[0-9]+" vorl_openssl_major "${OPENSSL_VERSION}")
+math(EXPR vorl_openssl_next_major "${vorl_openssl_major} + 1")
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/vorl-config.cmake.in"
     "${vorl_generated_dir}/vorl-config.cmake"
     INSTALL_DESTINATION "${vorl_package_dir}"
@@ -93,4 +94,5 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs"
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
     REGEX "/examples/(http/)?CMakeLists\\.txt$" EXCLUDE
+    REGEX "/examples/(.*/)?[^/]*_test\\.cpp$" EXCLUDE
     REGEX "/examples/http/[^/]*\\.bash$" EXCLUDE)

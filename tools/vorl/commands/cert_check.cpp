@@ -1,5 +1,6 @@
 #include "commands/commands.h"
 #include "inspect/certificate.h"
+#include "shared/CommandOptions.h"
 #include "shared/ToolError.h"
 #include "shared/input.h"
 #include "shared/output.h"
@@ -9,8 +10,6 @@
 #include "shared/validity.h"
 #include "vorl/PubKey.h"
 #include "vorl/X509Cert.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -50,14 +49,13 @@ ExitStatus checkCertificate(const CheckOptions& options) {
 
 }  // namespace
 
-Run declareCertCheck(CLI::App& command) {
+Run declareCertCheck(CommandOptions& command) {
     const auto options = std::make_shared<CheckOptions>();
     options->validity.declare(command);
     command
-        .add_option("CERT", options->certificate,
-                    "The certificate, as PEM or Base64 text or DER; '-' is standard input")
-        ->required()
-        ->type_name("");
+        .input("CERT", options->certificate,
+               "The certificate, as PEM or Base64 text or DER; '-' is standard input")
+        .required();
     return [options] { return checkCertificate(*options); };
 }
 

@@ -1,12 +1,11 @@
 #include "commands/commands.h"
 #include "inspect/inspect_bytes.h"
+#include "shared/CommandOptions.h"
 #include "shared/SecretBytes.h"
 #include "shared/input.h"
 #include "shared/show_report.h"
 #include "shared/signature_keys.h"
 #include "shared/start_up.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -30,14 +29,13 @@ ExitStatus showCertificate(const ShowOptions& options) {
 
 }  // namespace
 
-Run declareCertShow(CLI::App& command) {
+Run declareCertShow(CommandOptions& command) {
     const auto options = std::make_shared<ShowOptions>();
-    command.add_flag("--json", options->isJson, "Write JSON");
+    command.flag("--json", options->isJson, "Write JSON");
     command
-        .add_option("CERT", options->certificate,
-                    "The certificate, as PEM or Base64 text or DER; '-' is standard input")
-        ->required()
-        ->type_name("");
+        .input("CERT", options->certificate,
+               "The certificate, as PEM or Base64 text or DER; '-' is standard input")
+        .required();
     return [options] { return showCertificate(*options); };
 }
 

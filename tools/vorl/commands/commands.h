@@ -5,39 +5,37 @@
 
 #include <functional>
 
-namespace CLI {
-class App;
-}
-
 namespace vorl::tool {
+
+class CommandOptions;
 
 /// What a command does once its arguments are known.
 using Run = std::function<ExitStatus()>;
 
 /// Each adds its options to `command` and returns what they are for.
-Run declareProtect(CLI::App& command);
-Run declareUnprotect(CLI::App& command);
-Run declareInspect(CLI::App& command);
-Run declareExplain(CLI::App& command);
-Run declareDigest(CLI::App& command);
-Run declareHmac(CLI::App& command);
-Run declareDhParamsNew(CLI::App& command);
-Run declareDhParamsShow(CLI::App& command);
-Run declareDhParamsCheck(CLI::App& command);
-Run declareDhNew(CLI::App& command);
-Run declareDhPub(CLI::App& command);
-Run declareDhSecret(CLI::App& command);
-Run declareKeysDerive(CLI::App& command);
-Run declareSign(CLI::App& command);
-Run declareVerify(CLI::App& command);
-Run declareHttpBase(CLI::App& command);
-Run declareHttpSign(CLI::App& command);
-Run declareHttpVerify(CLI::App& command);
-Run declareCertShow(CLI::App& command);
-Run declareCertCheck(CLI::App& command);
-Run declareVectors(CLI::App& command);
-Run declarePlatformCheck(CLI::App& command);
-Run declareDoctor(CLI::App& command);
+Run declareProtect(CommandOptions& command);
+Run declareUnprotect(CommandOptions& command);
+Run declareInspect(CommandOptions& command);
+Run declareExplain(CommandOptions& command);
+Run declareDigest(CommandOptions& command);
+Run declareHmac(CommandOptions& command);
+Run declareDhParamsNew(CommandOptions& command);
+Run declareDhParamsShow(CommandOptions& command);
+Run declareDhParamsCheck(CommandOptions& command);
+Run declareDhNew(CommandOptions& command);
+Run declareDhPub(CommandOptions& command);
+Run declareDhSecret(CommandOptions& command);
+Run declareKeysDerive(CommandOptions& command);
+Run declareSign(CommandOptions& command);
+Run declareVerify(CommandOptions& command);
+Run declareHttpBase(CommandOptions& command);
+Run declareHttpSign(CommandOptions& command);
+Run declareHttpVerify(CommandOptions& command);
+Run declareCertShow(CommandOptions& command);
+Run declareCertCheck(CommandOptions& command);
+Run declareVectors(CommandOptions& command);
+Run declarePlatformCheck(CommandOptions& command);
+Run declareDoctor(CommandOptions& command);
 
 /// The first words of commands that have several, such as "dh params" of "dh params new".
 struct CommandGroup {
@@ -59,7 +57,7 @@ struct Command {
     /// All words, for example "dh params new".
     const char* name;
     const char* description;
-    Run (*declare)(CLI::App& command);
+    Run (*declare)(CommandOptions& command);
 };
 
 /// In the order in which the help shows them.

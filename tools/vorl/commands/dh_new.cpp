@@ -1,5 +1,6 @@
 #include "commands/commands.h"
 #include "inspect/dh_numbers.h"
+#include "shared/CommandOptions.h"
 #include "shared/SecretBuffer.h"
 #include "shared/ToolError.h"
 #include "shared/dh_files.h"
@@ -8,8 +9,6 @@
 #include "shared/output.h"
 #include "shared/start_up.h"
 #include "vorl/OpenSSLException.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -53,19 +52,17 @@ ExitStatus makePair(const NewPairOptions& options) {
 
 }  // namespace
 
-Run declareDhNew(CLI::App& command) {
+Run declareDhNew(CommandOptions& command) {
     const auto options = std::make_shared<NewPairOptions>();
     command
-        .add_option("-p,--params", options->params,
-                    "Diffie-Hellman parameters: PEM text, DER or the library's own encoding; '-' is standard "
-                    "input")
-        ->required()
-        ->type_name("FILE");
+        .value("-p,--params", "FILE", options->params,
+               "Diffie-Hellman parameters: PEM text, DER or the library's own encoding; '-' is standard "
+               "input")
+        .required();
     command
-        .add_option("-o,--output", options->state,
-                    "File to write the key pair to, which is secret; '-' is standard output")
-        ->required()
-        ->type_name("STATE");
+        .value("-o,--output", "STATE", options->state,
+               "File to write the key pair to, which is secret; '-' is standard output")
+        .required();
     return [options] { return makePair(*options); };
 }
 

@@ -1,5 +1,6 @@
 #include "commands/commands.h"
 #include "inspect/dh_numbers.h"
+#include "shared/CommandOptions.h"
 #include "shared/ToolError.h"
 #include "shared/dh_files.h"
 #include "shared/dh_openssl.h"
@@ -7,8 +8,6 @@
 #include "shared/output.h"
 #include "shared/start_up.h"
 #include "shared/terminal.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -44,14 +43,13 @@ ExitStatus checkGroup(const std::string& path) {
 
 }  // namespace
 
-Run declareDhParamsCheck(CLI::App& command) {
+Run declareDhParamsCheck(CommandOptions& command) {
     const auto path = std::make_shared<std::string>("-");
     command
-        .add_option("FILE", *path,
-                    "Diffie-Hellman parameters: PEM text, DER or the library's own encoding; '-' is standard "
-                    "input")
-        ->required()
-        ->type_name("");
+        .input("FILE", *path,
+               "Diffie-Hellman parameters: PEM text, DER or the library's own encoding; '-' is standard "
+               "input")
+        .required();
     return [path] { return checkGroup(*path); };
 }
 

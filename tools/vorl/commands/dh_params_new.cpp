@@ -1,4 +1,5 @@
 #include "commands/commands.h"
+#include "shared/CommandOptions.h"
 #include "shared/Progress.h"
 #include "shared/dh_openssl.h"
 #include "shared/output.h"
@@ -6,7 +7,6 @@
 #include "vorl/DiffieHellmanParams.h"
 
 #include <openssl/dh.h>
-#include <CLI/CLI.hpp>
 
 #include <charconv>
 #include <memory>
@@ -31,9 +31,8 @@ unsigned int bitsFrom(const std::string& text) {
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, bits);
     if (error != std::errc() || rest != end || bits < MIN_BITS || bits > MAX_BITS) {
-        throw CLI::ValidationError("--bits", "'" + text + "' is not a number from " +
-                                                 std::to_string(MIN_BITS) + " to " +
-                                                 std::to_string(MAX_BITS));
+        throw BadValue("'" + text + "' is not a number from " + std::to_string(MIN_BITS) + " to " +
+                       std::to_string(MAX_BITS));
     }
     return bits;
 }
@@ -53,18 +52,14 @@ ExitStatus makeGroup(const NewGroupOptions& options) {
 
 }  // namespace
 
-Run declareDhParamsNew(CLI::App& command) {
+Run declareDhParamsNew(CommandOptions& command) {
     const auto options = std::make_shared<NewGroupOptions>();
-    command
-        .add_option_function<std::string>(
-            "--bits", [options](const std::string& text) { options->bits = bitsFrom(text); },
-            "Size of the prime: 1024 (the default), the one that secrets are agreed with, or another")
-        ->type_name("N");
-    command.add_option("--generator", options->generator, "2 or 5 (the default)")
-        ->check(CLI::IsMember({"2", "5"}).description(""))
-        ->type_name("N");
-    command.add_option("-o,--output", options->output, "File to write; '-' is standard output, the default")
-        ->type_name("FILE");
+    command.value(
+        "--bits", "N", [options](const std::string& text) { options->bits = bitsFrom(text); },
+        "Size of the prime: 1024 (the default), the one that secrets are agreed with, or another");
+    command.value("--generator", "N", options->generator, "2 or 5 (the default)").oneOf({"2", "5"});
+    command.value("-o,--output", "FILE", options->output,
+                  "File to write; '-' is standard output, the default");
     return [options] { return makeGroup(*options); };
 }
 

@@ -1,10 +1,9 @@
 #include "commands/commands.h"
 #include "inspect/dh_numbers.h"
+#include "shared/CommandOptions.h"
 #include "shared/dh_files.h"
 #include "shared/output.h"
 #include "shared/start_up.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -22,14 +21,13 @@ ExitStatus showGroup(const std::string& path) {
 
 }  // namespace
 
-Run declareDhParamsShow(CLI::App& command) {
+Run declareDhParamsShow(CommandOptions& command) {
     const auto path = std::make_shared<std::string>("-");
     command
-        .add_option("FILE", *path,
-                    "Diffie-Hellman parameters: PEM text, DER or the library's own encoding; '-' is standard "
-                    "input")
-        ->required()
-        ->type_name("");
+        .input("FILE", *path,
+               "Diffie-Hellman parameters: PEM text, DER or the library's own encoding; '-' is standard "
+               "input")
+        .required();
     return [path] { return showGroup(*path); };
 }
 

@@ -1,12 +1,12 @@
 #include "commands/commands.h"
+#include "inspect/dh_numbers.h"
+#include "shared/CommandOptions.h"
 #include "shared/ToolError.h"
 #include "shared/dh_files.h"
 #include "shared/input.h"
 #include "shared/output.h"
 #include "shared/start_up.h"
 #include "vorl/VORLException.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -33,11 +33,9 @@ ExitStatus showPublicKey(const std::string& path) {
 
 }  // namespace
 
-Run declareDhPub(CLI::App& command) {
+Run declareDhPub(CommandOptions& command) {
     const auto path = std::make_shared<std::string>("-");
-    command.add_option("STATE", *path, "Key pair, as 'vorl dh new' writes it; '-' is standard input")
-        ->required()
-        ->type_name("");
+    command.input("STATE", *path, "Key pair, as 'vorl dh new' writes it; '-' is standard input").required();
     return [path] { return showPublicKey(*path); };
 }
 

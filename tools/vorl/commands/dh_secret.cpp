@@ -1,4 +1,6 @@
 #include "commands/commands.h"
+#include "inspect/dh_numbers.h"
+#include "shared/CommandOptions.h"
 #include "shared/SecretBytes.h"
 #include "shared/ToolError.h"
 #include "shared/dh_files.h"
@@ -6,8 +8,6 @@
 #include "shared/output.h"
 #include "shared/start_up.h"
 #include "vorl/VORLException.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -61,22 +61,18 @@ ExitStatus makeSecret(const SecretOptions& options) {
 
 }  // namespace
 
-Run declareDhSecret(CLI::App& command) {
+Run declareDhSecret(CommandOptions& command) {
     const auto options = std::make_shared<SecretOptions>();
+    command.input("STATE", options->state, "Key pair, as 'vorl dh new' writes it; '-' is standard input")
+        .required();
     command
-        .add_option("STATE", options->state, "Key pair, as 'vorl dh new' writes it; '-' is standard input")
-        ->required()
-        ->type_name("");
+        .input("PEERTEXT", options->peer,
+               "What the peer's 'vorl dh pub' wrote: the text itself, or a file; '-' is standard input")
+        .required();
     command
-        .add_option("PEERTEXT", options->peer,
-                    "What the peer's 'vorl dh pub' wrote: the text itself, or a file; '-' is standard input")
-        ->required()
-        ->type_name("");
-    command
-        .add_option("-o,--output", options->output,
-                    "File to write the shared secret to; '-' is standard output")
-        ->required()
-        ->type_name("SECRET");
+        .value("-o,--output", "SECRET", options->output,
+               "File to write the shared secret to; '-' is standard output")
+        .required();
     return [options] { return makeSecret(*options); };
 }
 

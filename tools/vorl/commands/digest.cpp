@@ -1,4 +1,5 @@
 #include "commands/commands.h"
+#include "shared/CommandOptions.h"
 #include "shared/digests.h"
 #include "shared/input.h"
 #include "shared/output.h"
@@ -6,8 +7,6 @@
 #include "vorl/DigestAlgo.h"
 #include "vorl/Digester.h"
 #include "vorl/Util.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -31,10 +30,10 @@ ExitStatus digest(const DigestOptions& options) {
 
 }  // namespace
 
-Run declareDigest(CLI::App& command) {
+Run declareDigest(CommandOptions& command) {
     const auto options = std::make_shared<DigestOptions>();
-    declareDigestName(command, options->algorithm, "SHA1, SHA224, SHA256, SHA384 or SHA512")->required();
-    command.add_option("INPUT", options->input, "What to digest; standard input by default")->type_name("");
+    declareDigestName(command, options->algorithm, "SHA1, SHA224, SHA256, SHA384 or SHA512").required();
+    command.input("INPUT", options->input, "What to digest; standard input by default");
     return [options] { return digest(*options); };
 }
 

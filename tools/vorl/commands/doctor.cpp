@@ -1,9 +1,9 @@
 #include "commands/commands.h"
 #include "doctor/checks.h"
+#include "shared/CommandOptions.h"
 #include "shared/output.h"
 #include "shared/terminal.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -54,9 +54,9 @@ ExitStatus examine(bool isJson) {
 
 }  // namespace
 
-Run declareDoctor(CLI::App& command) {
+Run declareDoctor(CommandOptions& command) {
     const auto isJson = std::make_shared<bool>(false);
-    command.add_flag("--json", *isJson, "Write JSON");
+    command.flag("--json", *isJson, "Write JSON");
     return [isJson] { return examine(*isJson); };
 }
 

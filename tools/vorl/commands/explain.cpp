@@ -2,6 +2,7 @@
 #include "explain/records.h"
 #include "inspect/base64_text.h"
 #include "inspect/inspect_bytes.h"
+#include "shared/CommandOptions.h"
 #include "shared/KeyFile.h"
 #include "shared/ToolError.h"
 #include "shared/accepted_levels.h"
@@ -14,8 +15,6 @@
 #include "shared/start_up.h"
 #include "shared/terminal.h"
 #include "vorl/CipherSpec.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -138,25 +137,21 @@ ExitStatus explain(const ExplainOptions& options) {
 
 }  // namespace
 
-Run declareExplain(CLI::App& command) {
+Run declareExplain(CommandOptions& command) {
     const auto options = std::make_shared<ExplainOptions>();
     options->key.declare(command);
     declareAccept(command, options->accept);
     command
-        .add_option("--level", options->level,
-                    "Level of the context that receives it: full (the default), test or none")
-        ->check(CLI::IsMember(levelNames()).description(""))
-        ->type_name("LEVEL");
+        .value("--level", "LEVEL", options->level,
+               "Level of the context that receives it: full (the default), test or none")
+        .oneOf(levelNames());
     command
-        .add_option("--as", options->kind,
-                    "What the input is, if it does not show: envelope, dh-record, signature")
-        ->check(CLI::IsMember({"envelope", "dh-record", "signature"}).description(""))
-        ->type_name("KIND");
-    command.add_flag("--json", options->isJson, "Write JSON");
-    command
-        .add_option("INPUT", options->input,
-                    "What to explain, as Base64 text or raw; standard input by default")
-        ->type_name("");
+        .value("--as", "KIND", options->kind,
+               "What the input is, if it does not show: envelope, dh-record, signature")
+        .oneOf({"envelope", "dh-record", "signature"});
+    command.flag("--json", options->isJson, "Write JSON");
+    command.input("INPUT", options->input,
+                  "What to explain, as Base64 text or raw; standard input by default");
     return [options] { return explain(*options); };
 }
 

@@ -2,6 +2,7 @@
 #include "commands/commands.h"
 #include "inspect/base64_text.h"
 #include "inspect/numbers.h"
+#include "shared/CommandOptions.h"
 #include "shared/KeyFile.h"
 #include "shared/ToolError.h"
 #include "shared/digests.h"
@@ -11,7 +12,6 @@
 #include "vorl/DigestAlgo.h"
 
 #include <brisclient/Base64.h>
-#include <CLI/CLI.hpp>
 
 #include <memory>
 #include <optional>
@@ -82,16 +82,13 @@ ExitStatus authenticate(const HmacOptions& options) {
 
 }  // namespace
 
-Run declareHmac(CLI::App& command) {
+Run declareHmac(CommandOptions& command) {
     const auto options = std::make_shared<HmacOptions>();
     options->key.declare(command);
     declareDigestName(command, options->algorithm, "SHA1, SHA224, SHA256 (the default), SHA384 or SHA512");
-    command
-        .add_option("--verify", options->expected,
-                    "Write nothing, but compare the code with this one: status 1 where it differs")
-        ->type_name("TEXT");
-    command.add_option("INPUT", options->input, "What to authenticate; standard input by default")
-        ->type_name("");
+    command.value("--verify", "TEXT", options->expected,
+                  "Write nothing, but compare the code with this one: status 1 where it differs");
+    command.input("INPUT", options->input, "What to authenticate; standard input by default");
     return [options] { return authenticate(*options); };
 }
 

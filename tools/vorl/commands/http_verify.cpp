@@ -2,13 +2,11 @@
 #include "http/HttpOptions.h"
 #include "http/signatures.h"
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 
 namespace vorl::tool {
 
-Run declareHttpVerify(CLI::App& command) {
+Run declareHttpVerify(CommandOptions& command) {
     const auto options = std::make_shared<HttpOptions>();
     options->declareKey(command);
     options->declareSignature(command,

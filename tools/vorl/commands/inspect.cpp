@@ -1,14 +1,13 @@
 #include "inspect/inspect_bytes.h"
 
 #include "commands/commands.h"
+#include "shared/CommandOptions.h"
 #include "shared/SecretBytes.h"
 #include "shared/ToolError.h"
 #include "shared/input.h"
 #include "shared/show_report.h"
 #include "shared/show_secrets.h"
 #include "shared/start_up.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -44,17 +43,14 @@ ExitStatus inspect(const InspectOptions& options) {
 
 }  // namespace
 
-Run declareInspect(CLI::App& command) {
+Run declareInspect(CommandOptions& command) {
     const auto options = std::make_shared<InspectOptions>();
-    command.add_flag("--json", options->isJson, "Write JSON");
-    command.add_option("--as", options->kind, "What the input is, if it does not show: " + kindNames())
-        ->check(CLI::IsMember(recordKinds()).description(""))
-        ->type_name("KIND");
+    command.flag("--json", options->isJson, "Write JSON");
+    command.value("--as", "KIND", options->kind, "What the input is, if it does not show: " + kindNames())
+        .oneOf(recordKinds());
     declareShowSecrets(command, options->secrets);
-    command
-        .add_option("INPUT", options->input,
-                    "What to look into, as PEM or Base64 text or raw; standard input by default")
-        ->type_name("");
+    command.input("INPUT", options->input,
+                  "What to look into, as PEM or Base64 text or raw; standard input by default");
     return [options] { return inspect(*options); };
 }
 

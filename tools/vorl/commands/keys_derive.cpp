@@ -1,6 +1,7 @@
 #include "commands/commands.h"
 #include "inspect/base64_text.h"
 #include "inspect/numbers.h"
+#include "shared/CommandOptions.h"
 #include "shared/SecretBytes.h"
 #include "shared/ToolError.h"
 #include "shared/input.h"
@@ -9,8 +10,6 @@
 #include "shared/show_secrets.h"
 #include "shared/start_up.h"
 #include "vorl/ClientKeys.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 #include <optional>
@@ -87,27 +86,21 @@ ExitStatus derive(const DeriveOptions& options) {
 
 }  // namespace
 
-Run declareKeysDerive(CLI::App& command) {
+Run declareKeysDerive(CommandOptions& command) {
     const auto options = std::make_shared<DeriveOptions>();
-    CLI::Option* const secret =
-        command
-            .add_option(
-                "--secret", options->secret,
-                "File that holds a shared secret, as 'vorl dh secret' writes it; '-' is standard input")
-            ->type_name("FILE");
+    const Option secret = command.value(
+        "--secret", "FILE", options->secret,
+        "File that holds a shared secret, as 'vorl dh secret' writes it; '-' is standard input");
     command
-        .add_option("--id-file", options->id,
-                    "File that holds the identifier of a shopper or a device; '-' is standard input")
-        ->type_name("FILE")
-        ->excludes(secret);
-    CLI::Option* const encryptionKey =
-        command.add_option("--enc-out", options->encryptionKey, "File to write the encryption key to")
-            ->type_name("FILE");
-    CLI::Option* const hmacKey =
-        command.add_option("--hmac-out", options->hmacKey, "File to write the HMAC key to")
-            ->type_name("FILE");
-    encryptionKey->needs(hmacKey);
-    hmacKey->needs(encryptionKey);
+        .value("--id-file", "FILE", options->id,
+               "File that holds the identifier of a shopper or a device; '-' is standard input")
+        .excludes(secret);
+    const Option encryptionKey =
+        command.value("--enc-out", "FILE", options->encryptionKey, "File to write the encryption key to");
+    const Option hmacKey =
+        command.value("--hmac-out", "FILE", options->hmacKey, "File to write the HMAC key to");
+    encryptionKey.needs(hmacKey);
+    hmacKey.needs(encryptionKey);
     declareShowSecrets(command, options->secrets);
     return [options] { return derive(*options); };
 }

@@ -1,4 +1,5 @@
 #include "commands/commands.h"
+#include "shared/CommandOptions.h"
 #include "shared/input.h"
 #include "shared/output.h"
 #include "shared/terminal.h"
@@ -7,7 +8,6 @@
 #include <openssl/rand.h>
 #include <vorl/testkit/Conformance.h>
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -112,16 +112,13 @@ ExitStatus checkPlatform(const PlatformOptions& options) {
 
 }  // namespace
 
-Run declarePlatformCheck(CLI::App& command) {
+Run declarePlatformCheck(CommandOptions& command) {
     const auto options = std::make_shared<PlatformOptions>();
-    command.add_flag("--json", options->isJson, "Write JSON");
-    command
-        .add_option(
-            "--own-keys", options->ownKeys,
-            "Two files, each with the bytes that the platform takes for a key of its own, for one that takes "
-            "no key by its value")
-        ->expected(2)
-        ->type_name("FILE FILE");
+    command.flag("--json", options->isJson, "Write JSON");
+    command.twoValues(
+        "--own-keys", "FILE FILE", options->ownKeys,
+        "Two files, each with the bytes that the platform takes for a key of its own, for one that takes "
+        "no key by its value");
     return [options] { return checkPlatform(*options); };
 }
 

@@ -2,6 +2,7 @@
 #include "inspect/levels.h"
 #include "inspect/numbers.h"
 #include "inspect/structure.h"
+#include "shared/CommandOptions.h"
 #include "shared/KeyFile.h"
 #include "shared/ToolError.h"
 #include "shared/input.h"
@@ -13,7 +14,6 @@
 #include "vorl/VorlContext.h"
 
 #include <brisclient/Base64.h>
-#include <CLI/CLI.hpp>
 
 #include <cstdint>
 #include <memory>
@@ -91,12 +91,11 @@ ExitStatus protect(const ProtectOptions& options) {
 
 }  // namespace
 
-Run declareProtect(CLI::App& command) {
+Run declareProtect(CommandOptions& command) {
     const auto options = std::make_shared<ProtectOptions>();
     options->key.declare(command);
-    command.add_option("--level", options->level, "Level of protection: full (the default), test or none")
-        ->check(CLI::IsMember(levelNames()).description(""))
-        ->type_name("LEVEL");
+    command.value("--level", "LEVEL", options->level, "Level of protection: full (the default), test or none")
+        .oneOf(levelNames());
     options->message.declare(command, "Write the envelope itself instead of its Base64 text",
                              "The message; standard input by default");
     return [options] { return protect(*options); };

@@ -1,4 +1,5 @@
 #include "commands/commands.h"
+#include "shared/CommandOptions.h"
 #include "shared/KeyFile.h"
 #include "shared/ToolError.h"
 #include "shared/input.h"
@@ -10,8 +11,6 @@
 #include "vorl/PKSignatureProcessor.h"
 #include "vorl/PrivKey.h"
 #include "vorl/PubKey.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -64,12 +63,12 @@ ExitStatus sign(const SignOptions& options) {
 
 }  // namespace
 
-Run declareSign(CLI::App& command) {
+Run declareSign(CommandOptions& command) {
     const auto options = std::make_shared<SignOptions>();
     options->key.declareFile(command, "File that holds the private key, as PEM text");
-    command.add_option("-o,--output", options->output, "File to write; '-' is standard output, the default")
-        ->type_name("FILE");
-    command.add_option("INPUT", options->input, "What to sign; standard input by default")->type_name("");
+    command.value("-o,--output", "FILE", options->output,
+                  "File to write; '-' is standard output, the default");
+    command.input("INPUT", options->input, "What to sign; standard input by default");
     return [options] { return sign(*options); };
 }
 

@@ -14,7 +14,6 @@
 #include "vorl/VorlContext.h"
 
 #include <brisclient/Base64.h>
-#include <CLI/CLI.hpp>
 
 #include <memory>
 #include <new>
@@ -116,7 +115,7 @@ ExitStatus unprotect(const UnprotectOptions& options) {
 
 }  // namespace
 
-Run declareUnprotect(CLI::App& command) {
+Run declareUnprotect(CommandOptions& command) {
     const auto options = std::make_shared<UnprotectOptions>();
     options->key.declare(command);
     declareAccept(command, options->accept);

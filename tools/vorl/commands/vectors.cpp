@@ -1,10 +1,10 @@
 #include "vectors/vectors.h"
 #include "commands/commands.h"
+#include "shared/CommandOptions.h"
 #include "shared/ToolError.h"
 #include "shared/output.h"
 #include "shared/start_up.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <filesystem>
@@ -76,16 +76,15 @@ ExitStatus writeVectors(const VectorOptions& options) {
 
 }  // namespace
 
-Run declareVectors(CLI::App& command) {
+Run declareVectors(CommandOptions& command) {
     const auto options = std::make_shared<VectorOptions>();
     command
-        .add_option("-o,--output", options->folder,
-                    "Folder to write the files to, which is made if it is not there. What they call keys, "
-                    "secrets and private numbers is the same on every machine, known to everybody, and for "
-                    "testing only")
-        ->required()
-        ->type_name("DIR");
-    command.add_flag("--force", options->isReplaced, "Replace files that are there already");
+        .value("-o,--output", "DIR", options->folder,
+               "Folder to write the files to, which is made if it is not there. What they call keys, "
+               "secrets and private numbers is the same on every machine, known to everybody, and for "
+               "testing only")
+        .required();
+    command.flag("--force", options->isReplaced, "Replace files that are there already");
     return [options] { return writeVectors(*options); };
 }
 

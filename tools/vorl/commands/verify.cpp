@@ -2,6 +2,7 @@
 #include "inspect/base64_text.h"
 #include "inspect/certificate.h"
 #include "inspect/numbers.h"
+#include "shared/CommandOptions.h"
 #include "shared/ToolError.h"
 #include "shared/input.h"
 #include "shared/output.h"
@@ -14,8 +15,6 @@
 #include "vorl/PubKey.h"
 #include "vorl/VORLException.h"
 #include "vorl/X509Cert.h"
-
-#include <CLI/CLI.hpp>
 
 #include <memory>
 
@@ -132,31 +131,26 @@ ExitStatus verify(const VerifyOptions& options) {
 
 }  // namespace
 
-Run declareVerify(CLI::App& command) {
+Run declareVerify(CommandOptions& command) {
     const auto options = std::make_shared<VerifyOptions>();
-    CLI::Option* const key =
-        command.add_option("-k,--key", options->key, "File that holds the public key, as PEM text")
-            ->type_name("FILE");
-    CLI::Option* const certificate =
+    const Option key =
+        command.value("-k,--key", "FILE", options->key, "File that holds the public key, as PEM text");
+    const Option certificate =
         command
-            .add_option(
-                "--cert", options->certificate,
-                "File that holds a certificate for the key, as PEM or Base64 text or DER; its chain of "
-                "trust is not checked")
-            ->type_name("FILE")
-            ->excludes(key);
+            .value("--cert", "FILE", options->certificate,
+                   "File that holds a certificate for the key, as PEM or Base64 text or DER; its chain of "
+                   "trust is not checked")
+            .excludes(key);
     command
-        .add_option("-s,--signature", options->signature,
-                    "File that holds the signature record, as Base64 text or raw")
-        ->type_name("FILE")
-        ->required();
-    CLI::Option* const at = options->validity.declare(command)->needs(certificate);
+        .value("-s,--signature", "FILE", options->signature,
+               "File that holds the signature record, as Base64 text or raw")
+        .required();
+    const Option at = options->validity.declare(command).needs(certificate);
     command
-        .add_flag("--ignore-time", options->isTimeIgnored,
-                  "Do not check the validity period of the certificate")
-        ->needs(certificate)
-        ->excludes(at);
-    command.add_option("INPUT", options->input, "What was signed; standard input by default")->type_name("");
+        .flag("--ignore-time", options->isTimeIgnored, "Do not check the validity period of the certificate")
+        .needs(certificate)
+        .excludes(at);
+    command.input("INPUT", options->input, "What was signed; standard input by default");
     return [options] { return verify(*options); };
 }
 

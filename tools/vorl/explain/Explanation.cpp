@@ -5,9 +5,9 @@
 
 namespace vorl::tool {
 
-const Step* Explanation::refusing() const {
+const Step* Explanation::first(Outcome outcome) const {
     const auto step = std::find_if(steps.begin(), steps.end(),
-                                   [](const Step& each) { return each.outcome == Outcome::REFUSES; });
+                                   [outcome](const Step& each) { return each.outcome == outcome; });
     return step != steps.end() ? &*step : nullptr;
 }
 
@@ -21,7 +21,16 @@ void StepWalk::pass(const std::string& remark) {
     }
 }
 
-void StepWalk::refuse(std::uint64_t offset, const std::string& reason) {
+void StepWalk::warn(std::uint64_t offset, const std::string& reason) {
+    if (!hasRefused()) {
+        steps_[next_].outcome = Outcome::WARNS;
+        steps_[next_].offset = offset;
+        steps_[next_].reason = reason;
+        ++next_;
+    }
+}
+
+void StepWalk::refuse(std::optional<std::uint64_t> offset, const std::string& reason) {
     if (!hasRefused()) {
         steps_[next_].outcome = Outcome::REFUSES;
         steps_[next_].offset = offset;

@@ -14,6 +14,8 @@ namespace vorl::tool {
 /// What came of a check.
 enum class Outcome {
     PASSES,
+    /// The library goes on, and no reader should.
+    WARNS,
     REFUSES,
     /// An earlier one has refused.
     NOT_REACHED,
@@ -32,9 +34,10 @@ struct Step {
     Outcome outcome = Outcome::NOT_REACHED;
     /// What it takes, of NEEDS: for example "the key".
     std::string needed = std::string();
-    /// Of REFUSES. In a text that is not Base64, it counts the characters.
+    /// Of REFUSES and WARNS, unless it is about something else than the record. In a text that is not Base64,
+    /// it counts the characters.
     std::optional<std::uint64_t> offset = std::nullopt;
-    /// Why it refuses, or a remark on why it passes.
+    /// Why it refuses or warns, or a remark on why it passes.
     std::string reason = std::string();
     /// The library's own words, of REFUSES; empty where it has none.
     std::string libraryText = std::string();
@@ -45,9 +48,12 @@ struct Explanation {
     std::vector<Step> steps;
     /// False where the library refuses what these checks pass, or refuses it elsewhere: a fault of the tool.
     bool agreesWithLibrary = true;
+    /// What these checks do not say even where all of them pass.
+    std::string caveat = std::string();
 
-    /// Null where none refuses.
-    const Step* refusing() const;
+    /// The first of that outcome; null where there is none.
+    const Step* first(Outcome outcome) const;
+    const Step* refusing() const { return first(Outcome::REFUSES); }
 };
 
 /// Enters the outcomes of checks into their list, one after the other.
@@ -57,10 +63,11 @@ public:
 
     /// Each is about the next check, unless one has refused.
     void pass(const std::string& remark = "");
-    void refuse(std::uint64_t offset, const std::string& reason);
+    void warn(std::uint64_t offset, const std::string& reason);
+    void refuse(std::optional<std::uint64_t> offset, const std::string& reason);
     void need(const std::string& what);
     bool hasRefused() const { return refusing_.has_value(); }
-    /// How many checks have passed.
+    /// How many checks did not refuse.
     std::size_t passed() const { return next_; }
 
     /// The list, with the library's words where it refuses.

@@ -1,12 +1,17 @@
 #include "explain/records.h"
 #include "inspect/FieldReader.h"
+#include "inspect/dh_numbers.h"
 #include "inspect/dh_record.h"
 #include "inspect/numbers.h"
+#include "vorl/BigNum.h"
 #include "vorl/DHPubKey.h"
 #include "vorl/DiffieHellman.h"
 #include "vorl/VORLException.h"
 
 #include <brisclient/Base64.h>
+#include <openssl/bn.h>
+
+#include <algorithm>
 
 namespace vorl::tool {
 
@@ -27,7 +32,7 @@ std::vector<Step> dhRecordSteps() {
         {"key", "the key can be read", ExitStatus::BAD_INPUT},
         {"key-length", "the key has 120 to 129 bytes", ExitStatus::BAD_INPUT},
         {"group", "the group has 1024 bits", ExitStatus::BAD_INPUT},
-        {"number", "OpenSSL takes the number for one of the group", ExitStatus::CANNOT_OPEN},
+        {"number", "the number does not fix the secret", ExitStatus::CANNOT_OPEN},
     };
 }
 
@@ -36,18 +41,40 @@ const std::size_t BASE64 = 0;
 const std::size_t KEY = 3;
 const std::size_t KEY_LENGTH = 4;
 
+// Without a group: the library looks at all of the record before it finds that no secret comes of this one.
+const bytes SMALL_PRIME = {23};
 const char SMALL_GROUP_TEXT[] = "DH shared secret size (1) != 128";
 
-// What the library says to the text of a peer. With a key pair in the group of 23 it looks at all of the
-// record before it finds that no secret comes of such a group.
-std::string agreementFault(const bytes& text) {
-    try {
-        Buffer in(bytes{1, 23, 1, 5, 1, 8, 1, 6});
-        DiffieHellman::decode(in)->computeSharedSecret(text);
-        return "";
-    } catch (const VORLException& fault) {
-        return fault.what();
+struct Answer {
+    /// What the library says; empty where it gives a secret.
+    std::string fault;
+    /// The secret is zero: OpenSSL has computed none, which the library does not report.
+    bool isZero;
+};
+
+// What a party answers to the text of a peer whose private key is the prime 65537: the public key does not
+// matter, and the power of no other number is 0, 1 or -1 unless the group has a subgroup of that very order.
+Answer askLibrary(const bytes& text, const bytes& prime) {
+    Buffer pair;
+    for (const bytes& number : {prime, bytes{2}, bytes{2}, bytes{1, 0, 1}}) {
+        pair.put(OctetString(number));
     }
+    try {
+        const bytes secret = DiffieHellman::decode(pair)->computeSharedSecret(text);
+        return {"", std::all_of(secret.begin(), secret.end(), [](unsigned char octet) { return octet == 0; })};
+    } catch (const VORLException& fault) {
+        return {fault.what(), false};
+    }
+}
+
+// "0 modulo the prime" and its like, where the secret is the same whatever the private key; empty elsewhere.
+std::string fixingValue(const BigNum& number, const BigNum& prime) {
+    const std::unique_ptr<BN_CTX, decltype(&BN_CTX_free)> context(BN_CTX_new(), BN_CTX_free);
+    BigNum rest(nullptr);
+    BigNum last(prime);
+    if (!context || BN_mod(rest.bn(), number.getBIGNUM(), prime.getBIGNUM(), context.get()) == 0) {
+    }
+    return "";
 }
 
 bool isReadable(const bytes& record) {

@@ -4,6 +4,14 @@
 #include "explain/Explanation.h"
 #include "inspect/levels.h"
 
+#include <memory>
+
+namespace vorl {
+class DiffieHellmanParams;
+class PKSignatureProcessor;
+class PubKey;
+}  // namespace vorl
+
 namespace vorl::tool {
 
 class SecretBytes;
@@ -20,12 +28,20 @@ struct Explained {
 /// the last check is left open; with one, it is made, and how a decryption failed is not told.
 Explanation explainEnvelope(const Explained& envelope, const Level& context, const SecretBytes* key);
 
-/// What DiffieHellman::computeSharedSecret() does with the record of a peer, as far as that does not depend
-/// on the group.
-Explanation explainDhRecord(const Explained& record);
+/// What DiffieHellman::computeSharedSecret() does with the record of a peer. Without a group, as far as it does
+/// not depend on that. The library takes numbers that fix the secret, and is not said to refuse them: such a
+/// check warns.
+Explanation explainDhRecord(const Explained& record, const DiffieHellmanParams* group = nullptr);
 
-/// What is done with a signature record, as far as that does not depend on the key.
-Explanation explainSignature(const Explained& record);
+/// What a signature is verified with, as far as it is there.
+struct Verification {
+    std::shared_ptr<const PubKey> key;
+    /// Has been given what was signed, and nothing else.
+    std::shared_ptr<PKSignatureProcessor> processor;
+};
+
+/// What is done with a signature record. What there is nothing for in `verification` is left open.
+Explanation explainSignature(const Explained& record, const Verification& verification = {});
 
 }  // namespace vorl::tool
 

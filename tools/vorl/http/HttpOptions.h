@@ -8,20 +8,18 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace vorl::tool {
+
+class CommandOptions;
 
 /// What the commands about signed HTTP messages are told. An object must outlive the parsing of its options.
 struct HttpOptions {
     /// MESSAGE, and how it is to be read.
-    void declareMessage(CLI::App& command);
+    void declareMessage(CommandOptions& command);
     /// The key, and whose it is.
-    void declareKey(CLI::App& command);
+    void declareKey(CommandOptions& command);
     /// What signatures look like.
-    void declareSignature(CLI::App& command, const std::string& keyidHelp);
+    void declareSignature(CommandOptions& command, const std::string& keyidHelp);
 
     std::string input = "-";
     std::string scheme = "http";

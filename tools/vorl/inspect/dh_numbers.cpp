@@ -22,6 +22,8 @@ namespace vorl::tool {
 
 namespace {
 
+const std::uint64_t SECRET_BYTES = 128;
+
 struct Number {
     const char* name;
     const char* meaning;
@@ -132,6 +134,14 @@ std::uint64_t bitsOf(const bytes& number) {
         ++bits;
     }
     return bits;
+}
+
+bool isAgreementSize(std::uint64_t primeBits) {
+    return (primeBits + 7) / 8 == SECRET_BYTES;
+}
+
+std::string wrongSizeText(std::uint64_t primeBits) {
+    return "the group has " + std::to_string(primeBits) + " bits, and a secret is agreed in one of 1024";
 }
 
 GroupNumbers numbersOf(const DiffieHellmanParams& group) {

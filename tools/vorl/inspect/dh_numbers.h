@@ -13,6 +13,12 @@ namespace vorl::tool {
 /// How many bits an unsigned big-endian number has.
 std::uint64_t bitsOf(const bytes& number);
 
+/// Whether a shared secret can be agreed in a group with a prime of that size: the library's secrets have 128
+/// bytes.
+bool isAgreementSize(std::uint64_t primeBits);
+/// "the group has 512 bits, and a secret is agreed in one of 1024".
+std::string wrongSizeText(std::uint64_t primeBits);
+
 /// A group, as numbers.
 struct GroupNumbers {
     bytes prime;

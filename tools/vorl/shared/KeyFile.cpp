@@ -1,11 +1,10 @@
 #include "shared/KeyFile.h"
 
+#include "shared/CommandOptions.h"
 #include "shared/Descriptor.h"
 #include "shared/ToolError.h"
 #include "shared/input.h"
 #include "shared/key_formats.h"
-
-#include <CLI/CLI.hpp>
 
 #include <cerrno>
 #include <charconv>
@@ -79,29 +78,28 @@ int descriptorFrom(const std::string& text) {
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, number);
     if (error != std::errc() || rest != end || number < 0) {
-        throw CLI::ValidationError("--key-fd", "'" + text + "' is not the number of a descriptor");
+        throw BadValue("'" + text + "' is not the number of a descriptor");
     }
     return number;
 }
 
 }  // namespace
 
-void KeyFile::declare(CLI::App& command) {
+void KeyFile::declare(CommandOptions& command) {
     declareFile(command, "File that holds the key, as raw bytes, hex or Base64");
     command
-        .add_option("--key-format", format_, "How the key is written, if it does not show: raw, hex, base64")
-        ->check(CLI::IsMember({"raw", "hex", "base64"}).description(""))
-        ->type_name("FORMAT");
+        .value("--key-format", "FORMAT", format_,
+               "How the key is written, if it does not show: raw, hex, base64")
+        .oneOf({"raw", "hex", "base64"});
 }
 
-void KeyFile::declareFile(CLI::App& command, const std::string& help) {
-    CLI::Option* const path = command.add_option("-k,--key", path_, help)->type_name("FILE");
+void KeyFile::declareFile(CommandOptions& command, const std::string& help) {
+    const Option path = command.value("-k,--key", "FILE", path_, help);
     command
-        .add_option_function<std::string>(
-            "--key-fd", [this](const std::string& text) { descriptor_ = descriptorFrom(text); },
+        .value(
+            "--key-fd", "N", [this](const std::string& text) { descriptor_ = descriptorFrom(text); },
             "Read the key from this open file descriptor")
-        ->type_name("N")
-        ->excludes(path);
+        .excludes(path);
 }
 
 SecretBytes KeyFile::load(std::size_t neededBytes, const std::string& inputPath) const {

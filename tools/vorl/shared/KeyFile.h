@@ -6,20 +6,18 @@
 #include <optional>
 #include <string>
 
-namespace CLI {
-class App;
-}
-
 namespace vorl::tool {
+
+class CommandOptions;
 
 /// The options by which a command is told its key: -k, --key-fd and --key-format. A key is never an argument
 /// itself, since other users of the machine see those.
 class KeyFile {
 public:
     /// Adds the options to a command. The object must outlive the parsing.
-    void declare(CLI::App& command);
+    void declare(CommandOptions& command);
     /// The same without --key-format, for a key that is not of bytes alone; `help` describes its file.
-    void declareFile(CLI::App& command, const std::string& help);
+    void declareFile(CommandOptions& command, const std::string& help);
 
     bool isGiven() const { return path_.has_value() || descriptor_.has_value(); }
     /// The key that was named. `inputPath` is what the command reads besides: the two cannot be one file,

@@ -1,10 +1,9 @@
 #include "shared/accepted_levels.h"
 
+#include "shared/CommandOptions.h"
 #include "shared/ToolError.h"
 #include "shared/message_options.h"
 #include "vorl/VORLLib.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <sstream>
@@ -20,11 +19,9 @@ bool isLevelName(const std::string& name) {
 
 }  // namespace
 
-void declareAccept(CLI::App& command, std::string& list) {
-    command
-        .add_option("--accept", list,
-                    "Levels that are accepted, separated by commas: full, test, none; full by default")
-        ->type_name("LEVELS");
+void declareAccept(CommandOptions& command, std::string& list) {
+    command.value("--accept", "LEVELS", list,
+                  "Levels that are accepted, separated by commas: full, test, none; full by default");
 }
 
 std::vector<Level> acceptedLevels(const std::string& list) {

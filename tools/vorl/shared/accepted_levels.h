@@ -6,14 +6,12 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace vorl::tool {
 
+class CommandOptions;
+
 /// Adds --accept to a command. `list` must outlive the parsing.
-void declareAccept(CLI::App& command, std::string& list);
+void declareAccept(CommandOptions& command, std::string& list);
 
 /// The levels of a list such as "full,test". Throws ToolError for what is none.
 std::vector<Level> acceptedLevels(const std::string& list);

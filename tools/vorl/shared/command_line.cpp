@@ -1,6 +1,7 @@
 #include "shared/command_line.h"
 
 #include "commands/commands.h"
+#include "shared/CommandOptions.h"
 #include "shared/ToolError.h"
 #include "shared/failures.h"
 #include "shared/messages.h"
@@ -59,7 +60,11 @@ void declareCommands(CLI::App& app, Run& chosen) {
     }
     for (const Command& command : COMMANDS) {
         CLI::App* const subcommand = addCommand(app, command.name, command.description);
-        subcommand->callback([&chosen, run = command.declare(*subcommand)] { chosen = run; });
+        // Only the one that is named declares its options: the others would be most of the work of a run.
+        subcommand->preparse_callback([&chosen, &command, subcommand](std::size_t) {
+            CommandOptions options(*subcommand);
+            chosen = command.declare(options);
+        });
     }
 }
 

@@ -12,7 +12,6 @@ namespace vorl::tool {
 
 namespace {
 
-const std::uint64_t SECRET_BYTES = 128;
 // The least that the text of a record has. No name is as long by chance, and a dot, as in "./", tells one.
 const std::size_t MIN_PEER_TEXT_CHARACTERS = 160;
 
@@ -29,14 +28,6 @@ std::unique_ptr<DiffieHellmanParams> loadGroup(const std::string& path) {
                         inputName(path) + " holds no Diffie-Hellman parameters: " + read.fault);
     }
     return std::move(read.group);
-}
-
-bool isAgreementSize(std::uint64_t primeBits) {
-    return (primeBits + 7) / 8 == SECRET_BYTES;
-}
-
-std::string wrongSizeText(std::uint64_t primeBits) {
-    return "the group has " + std::to_string(primeBits) + " bits, and a secret is agreed in one of 1024";
 }
 
 KeyPair loadKeyPair(const std::string& path) {

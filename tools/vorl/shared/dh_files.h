@@ -13,12 +13,6 @@ namespace vorl::tool {
 /// The group in a file, or on standard input. Throws ToolError.
 std::unique_ptr<DiffieHellmanParams> loadGroup(const std::string& path);
 
-/// Whether a shared secret can be agreed in a group with a prime of that size: the library's secrets have 128
-/// bytes.
-bool isAgreementSize(std::uint64_t primeBits);
-/// "the group has 512 bits, and a secret is agreed in one of 1024".
-std::string wrongSizeText(std::uint64_t primeBits);
-
 /// A key pair, and the size of its group.
 struct KeyPair {
     std::unique_ptr<DiffieHellman> pair;

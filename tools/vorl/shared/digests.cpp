@@ -1,8 +1,7 @@
 #include "shared/digests.h"
 
+#include "shared/CommandOptions.h"
 #include "vorl/DigestAlgo.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <vector>
@@ -28,17 +27,15 @@ std::string libraryName(std::string name) {
 
 }  // namespace
 
-CLI::Option* declareDigestName(CLI::App& command, std::string& name, const std::string& help) {
+Option declareDigestName(CommandOptions& command, std::string& name, const std::string& help) {
     const auto take = [&name](const std::string& text) {
         const std::string known = libraryName(text);
         if (digestNamed(known) == nullptr) {
-            throw CLI::ValidationError("--algorithm", "'" + text +
-                                                          "' is not SHA1, SHA224, SHA256, SHA384 or "
-                                                          "SHA512");
+            throw BadValue("'" + text + "' is not SHA1, SHA224, SHA256, SHA384 or SHA512");
         }
         name = known;
     };
-    return command.add_option_function<std::string>("-a,--algorithm", take, help)->type_name("NAME");
+    return command.value("-a,--algorithm", "NAME", take, help);
 }
 
 std::shared_ptr<const DigestAlgo> digestNamed(const std::string& name) {

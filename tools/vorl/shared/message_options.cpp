@@ -1,20 +1,19 @@
 #include "shared/message_options.h"
 
+#include "shared/CommandOptions.h"
 #include "shared/KeyFile.h"
 #include "shared/ToolError.h"
 #include "vorl/CipherSpec.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 
 namespace vorl::tool {
 
-void MessageOptions::declare(CLI::App& command, const std::string& rawHelp, const std::string& inputHelp) {
-    command.add_flag("--raw", isRaw, rawHelp);
-    command.add_option("-o,--output", output, "File to write; '-' is standard output, the default")
-        ->type_name("FILE");
-    command.add_option("INPUT", input, inputHelp)->type_name("");
+void MessageOptions::declare(CommandOptions& command, const std::string& rawHelp,
+                             const std::string& inputHelp) {
+    command.flag("--raw", isRaw, rawHelp);
+    command.value("-o,--output", "FILE", output, "File to write; '-' is standard output, the default");
+    command.input("INPUT", input, inputHelp);
 }
 
 std::vector<std::string> levelNames() {

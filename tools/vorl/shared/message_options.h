@@ -8,17 +8,14 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace vorl::tool {
 
+class CommandOptions;
 class KeyFile;
 
 /// What the two directions of a message have in common: INPUT, -o and --raw.
 struct MessageOptions {
-    void declare(CLI::App& command, const std::string& rawHelp, const std::string& inputHelp);
+    void declare(CommandOptions& command, const std::string& rawHelp, const std::string& inputHelp);
 
     std::string input = "-";
     /// Empty where the user has not said where.

@@ -1,11 +1,11 @@
 #include "shared/show_secrets.h"
 
-#include <CLI/CLI.hpp>
+#include "shared/CommandOptions.h"
 
 namespace vorl::tool {
 
-void declareShowSecrets(CLI::App& command, Secrets& secrets) {
-    command.add_flag_callback(
+void declareShowSecrets(CommandOptions& command, Secrets& secrets) {
+    command.flag(
         "--show-secrets", [&secrets] { secrets = Secrets::SHOWN; },
         "Show secret keys themselves instead of their fingerprints");
 }

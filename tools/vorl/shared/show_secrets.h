@@ -3,14 +3,12 @@
 
 #include "shared/fingerprint.h"
 
-namespace CLI {
-class App;
-}
-
 namespace vorl::tool {
 
+class CommandOptions;
+
 /// Adds --show-secrets to a command. `secrets` must outlive the parsing.
-void declareShowSecrets(CLI::App& command, Secrets& secrets);
+void declareShowSecrets(CommandOptions& command, Secrets& secrets);
 
 }  // namespace vorl::tool
 

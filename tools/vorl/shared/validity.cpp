@@ -1,12 +1,12 @@
 #include "shared/validity.h"
 
+#include "shared/CommandOptions.h"
 #include "shared/ToolError.h"
 #include "vorl/OpenSSLException.h"
 #include "vorl/X509Cert.h"
 
 #include <openssl/err.h>
 #include <openssl/x509.h>
-#include <CLI/CLI.hpp>
 
 namespace vorl::tool {
 
@@ -48,19 +48,16 @@ std::string noLonger(const ASN1_TIME* end) {
 
 }  // namespace
 
-CLI::Option* ValidityOption::declare(CLI::App& command) {
-    return command
-        .add_option_function<std::string>(
-            "--at",
-            [this](const std::string& text) {
-                at_ = momentFrom(text);
-                if (!at_) {
-                    throw CLI::ValidationError(
-                        "--at", "'" + text + "' is no time such as 2026-11-21T12:00:00Z or 2026-11-21");
-                }
-            },
-            "Judge the validity at this time in UTC instead of now: 2026-11-21T12:00:00Z or 2026-11-21")
-        ->type_name("TIME");
+Option ValidityOption::declare(CommandOptions& command) {
+    return command.value(
+        "--at", "TIME",
+        [this](const std::string& text) {
+            at_ = momentFrom(text);
+            if (!at_) {
+                throw BadValue("'" + text + "' is no time such as 2026-11-21T12:00:00Z or 2026-11-21");
+            }
+        },
+        "Judge the validity at this time in UTC instead of now: 2026-11-21T12:00:00Z or 2026-11-21");
 }
 
 std::optional<std::string> ValidityOption::fault(const X509Cert& certificate) const {

@@ -6,22 +6,20 @@
 #include <optional>
 #include <string>
 
-namespace CLI {
-class App;
-class Option;
-}  // namespace CLI
-
 namespace vorl {
 class X509Cert;
 }
 
 namespace vorl::tool {
 
+class CommandOptions;
+class Option;
+
 /// The option --at: the moment for which the validity of a certificate is judged.
 class ValidityOption {
 public:
     /// Adds the option to a command. The object must outlive the parsing.
-    CLI::Option* declare(CLI::App& command);
+    Option declare(CommandOptions& command);
 
     /// Why the certificate is not valid then, or now where no moment was named; nothing where it is. Both
     /// are judged as the library does it: the last second of the period is no longer part of it. Throws

@@ -182,12 +182,24 @@ std::vector<Item> usualComponents(const SignedMessage& message) {
     return components;
 }
 
+// A signature is added to these fields, which then are others than it was computed of.
+bool isFieldOfSignatures(const Item& component) {
+    return isEqual(component, Item{SIGNATURE_INPUT, {}}) || isEqual(component, Item{SIGNATURE, {}});
+}
+
 std::vector<Item> parsedComponents(const std::vector<std::string>& texts) {
+    if (texts.size() > MOST_COMPONENTS) {
+        refuse(std::to_string(texts.size()) + " components are too many, " + std::to_string(MOST_COMPONENTS) +
+               " are verified at the most");
+    }
     std::vector<Item> components;
     for (const std::string& text : texts) {
         std::optional<Item> component = http::parseComponent(text);
         if (!component) {
             refuse("unknown component " + text);
+        }
+        if (isFieldOfSignatures(*component)) {
+            refuse("a signature cannot cover the field " + text + " that it becomes a part of");
         }
         components.push_back(std::move(*component));
     }
@@ -217,6 +229,9 @@ class __attribute__((visibility("hidden"))) HttpRequestSigner::Engine {
 public:
     Engine(const Octets& key, std::shared_ptr<const HttpSignatureProfile> profile)
         : profile_(std::move(profile)), components_(parsedComponents(profile_->components)) {
+        if (key.empty()) {
+            refuse("the signing key is empty");
+        }
         if (!http::structured::isKey(profile_->label) || !http::structured::isString(profile_->tag)) {
             refuse("the signature's label or tag cannot be written");
         }
@@ -329,6 +344,10 @@ void HttpRequestSigner::Engine::sign(const std::string& keyid, const SignedMessa
             !memberOf<Item>(fields, SIGNATURE, label())) {
             refuse("the message has signatures of others that cannot be read");
         }
+        if (const std::size_t size = sizeOf(fields); size > MOST_FIELD_BYTES) {
+            refuse("the signed message has " + std::to_string(size) + " bytes of fields, " +
+                   std::to_string(MOST_FIELD_BYTES) + " are verified at the most");
+        }
     } catch (...) {
         fields.swap(before);
         throw;
@@ -354,6 +373,10 @@ bool HttpRequestSigner::Engine::holds(const std::string& keyid, const SignedMess
     const auto input = memberOf<InnerList>(message.fields(), SIGNATURE_INPUT, label());
     const auto signature = memberOf<Item>(message.fields(), SIGNATURE, label());
     if (!input || !signature || input->items.size() > MOST_COMPONENTS) {
+        return false;
+    }
+    // No signature covers its own parameters in that field, and none are defined.
+    if (!signature->parameters.empty()) {
         return false;
     }
     if (!isByThisKey(*input, keyid) || !coversEnough(*input, message)) {
@@ -451,6 +474,9 @@ HttpRequestSigner::HttpRequestSigner(const Octets& key, const HttpSignatureProfi
 HttpRequestSigner::~HttpRequestSigner() = default;
 
 Octets HttpRequestSigner::keyOfContext(const Octets& contextKey) {
+    if (contextKey.empty()) {
+        refuse("the key of the context is empty");
+    }
     return codeOf(contextKey, KEY_LABEL);
 }
 

@@ -27,6 +27,7 @@ using tarvik::crypto::HttpRequestSigner;
 using tarvik::crypto::ICipherContext;
 using tarvik::crypto::VorlCryptoFactory;
 using tarvik::http::HttpResponse;
+using tarvik::http::IHttpStream;
 
 const bytes KEY = octets(16);
 const char NOT_INITIALIZED[] = "VorlCryptoFactory must be initialized before use";
@@ -134,6 +135,23 @@ TEST_F(VorlCryptoFactoryTest, SignerHasAKeyOfItsOwnThatIsDerivedFromTheCiphers) 
         HttpResponse signedWithTheCiphersKey;
         HttpRequestSigner(KEY).signResponse("key", signedWithTheCiphersKey);
         EXPECT_FALSE(signer->verify("key", signedWithTheCiphersKey));
+    }
+}
+
+// A null cipher needs none; everybody could derive the key that belongs to it.
+TEST_F(VorlCryptoFactoryTest, SignerOfNoKeyNeitherSignsNorVerifies) {
+    for (const unsigned int number : {0U, 1U, 2U}) {
+        const auto signer = VorlCryptoFactory::cryptContext(spec(number), {}).second;
+        ASSERT_NE(signer, nullptr);
+        IHttpStream::Request request{"GET", "https://service.example/", {{"Host", "service.example"}}, {}};
+        EXPECT_EQ(messageOf<VORLException>([&] { signer->sign("key", request); }),
+                  "the key of the context is empty");
+        EXPECT_EQ(request.fields.size(), 1U);
+
+        HttpResponse response;
+        HttpRequestSigner(rawHmac(EVP_sha256(), {}, octetsOf("libVORL HTTP request signing key")))
+            .signResponse("key", response);
+        EXPECT_FALSE(signer->verify("key", response));
     }
 }
 

@@ -10,12 +10,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <ctime>
 #include <limits>
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace vorl::test {
 
@@ -40,6 +42,23 @@ Request postRequest() {
 
 Request getRequest() {
     return {"GET", "https://service.example/v1/messages", {{"Host", "service.example"}}, {}};
+}
+
+// "x-0", "x-1" and so on.
+std::vector<std::string> fieldNames(std::size_t count) {
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < count; ++i) {
+        names.push_back("x-" + std::to_string(i));
+    }
+    return names;
+}
+
+std::size_t sizeOf(const Fields& fields) {
+    std::size_t size = 0;
+    for (const auto& [name, value] : fields) {
+        size += name.size() + value.size();
+    }
+    return size;
 }
 
 // The nonce of a signature: the text in quotation marks.
@@ -92,6 +111,15 @@ struct RefusedProfile {
 };
 
 class SignatureProfile : public ::testing::TestWithParam<RefusedProfile> {};
+
+struct RefusedNames {
+    const char* name;
+    std::vector<std::string> names;
+    const char* text;
+};
+
+class ComponentsOfAProfile : public ::testing::TestWithParam<RefusedNames> {};
+class ParametersOfAProfile : public ::testing::TestWithParam<RefusedNames> {};
 
 struct RefusedRequest {
     const char* name;
@@ -181,11 +209,11 @@ TEST_F(HttpRequestSignerTest, SignsAResponseToAnUnsignedRequest) {
                  digest);
 }
 
-TEST_F(HttpRequestSignerTest, SignsWithAKeyOfAnyLength) {
+TEST_F(HttpRequestSignerTest, SignsWithAKeyOfAnyLengthButNone) {
     HttpSignatureProfile profile = profileAt(NOW);
     profile.parameters = {"created", "keyid"};
     profile.components = {"@method"};
-    for (const std::size_t size : {0U, 1U, 64U, 65U, 1000U}) {
+    for (const std::size_t size : {1U, 64U, 65U, 1000U}) {
         Request request = getRequest();
         HttpRequestSigner(octets(size), profile).sign(KEYID, request);
         const RawHttpSignature expected{
@@ -460,52 +488,119 @@ INSTANTIATE_TEST_SUITE_P(
                        "the signature's time cannot be written"},
         RefusedProfile{"EndlessLifetime",
                        [](HttpSignatureProfile& p) { p.lifetime = std::numeric_limits<std::int64_t>::max(); },
-                       "the signature's time cannot be written"},
-        RefusedProfile{"UnknownDerivedComponent",
-                       [](HttpSignatureProfile& p) {
-                           p.components = {"@method", "@nothing"};
-                       },
-                       "unknown component @nothing"},
-        RefusedProfile{"FieldWithACapital", [](HttpSignatureProfile& p) { p.components = {"Date"}; },
-                       "unknown component Date"},
-        RefusedProfile{"EmptyComponent", [](HttpSignatureProfile& p) { p.components = {""}; },
-                       "unknown component "},
-        RefusedProfile{"ComponentWithAParameter", [](HttpSignatureProfile& p) { p.components = {"date;sf"}; },
-                       "unknown component date;sf"},
-        RefusedProfile{"ComponentTwice",
-                       [](HttpSignatureProfile& p) {
-                           p.components = {"date", "@method", "date"};
-                       },
-                       "a component stands twice"},
-        RefusedProfile{"ComponentOfTheRequestTwice",
-                       [](HttpSignatureProfile& p) {
-                           p.components = {"date;req", "date", "date;req"};
-                       },
-                       "a component stands twice"},
-        RefusedProfile{"UnknownParameter",
-                       [](HttpSignatureProfile& p) {
-                           p.parameters = {"created", "keyid", "x"};
-                       },
-                       "unknown signature parameter x"},
-        RefusedProfile{"ParameterTwice",
-                       [](HttpSignatureProfile& p) {
-                           p.parameters = {"created", "keyid", "created"};
-                       },
-                       "signature parameter created stands twice"}),
+                       "the signature's time cannot be written"}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST_P(ComponentsOfAProfile, AreRefused) {
+    HttpSignatureProfile profile;
+    profile.components = GetParam().names;
+    EXPECT_EQ(messageOf<VORLException>([&] { HttpRequestSigner signer(SIGNING_KEY, profile); }),
+              GetParam().text);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Reasons, ComponentsOfAProfile,
+    ::testing::Values(
+        RefusedNames{"UnknownDerived", {"@method", "@nothing"}, "unknown component @nothing"},
+        RefusedNames{"Capital", {"Date"}, "unknown component Date"},
+        RefusedNames{"Empty", {""}, "unknown component "},
+        RefusedNames{"Parameter", {"date;sf"}, "unknown component date;sf"},
+        RefusedNames{"Twice", {"date", "@method", "date"}, "a component stands twice"},
+        RefusedNames{"OfTheRequestTwice", {"date;req", "date", "date;req"}, "a component stands twice"},
+        RefusedNames{"Seventeen", fieldNames(17), "17 components are too many, 16 are verified at the most"},
+        RefusedNames{"OwnSignature",
+                     {"date", "signature"},
+                     "a signature cannot cover the field signature that it becomes a part of"},
+        RefusedNames{"OwnInput",
+                     {"signature-input", "date"},
+                     "a signature cannot cover the field signature-input that it becomes a part of"}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST_P(ParametersOfAProfile, AreRefused) {
+    HttpSignatureProfile profile;
+    profile.parameters = GetParam().names;
+    EXPECT_EQ(messageOf<VORLException>([&] { HttpRequestSigner signer(SIGNING_KEY, profile); }),
+              GetParam().text);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Reasons, ParametersOfAProfile,
+    ::testing::Values(
+        RefusedNames{"Unknown", {"created", "keyid", "x"}, "unknown signature parameter x"},
+        RefusedNames{"Twice", {"created", "keyid", "created"}, "signature parameter created stands twice"}),
     [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(HttpRequestSignerTest, TakesTheOuterBoundsOfAProfile) {
     HttpSignatureProfile profile = profileAt(0);
     profile.lifetime = 0;
     profile.tag = "";
-    profile.components = {"date", "date;req"};
+    profile.components = {"date", "date;req", "signature;req", "signature-input;req"};
     EXPECT_NO_THROW(HttpRequestSigner(SIGNING_KEY, profile));
     profile.lifetime = 999999999999999;
     EXPECT_NO_THROW(HttpRequestSigner(SIGNING_KEY, profile));
 }
 
+TEST_F(HttpRequestSignerTest, SignsAsManyComponentsAsAreVerified) {
+    HttpSignatureProfile profile = profileAt(NOW);
+    profile.components = fieldNames(16);
+    Request request = getRequest();
+    for (const std::string& name : profile.components) {
+        request.fields.emplace_back(name, "v");
+    }
+    HttpRequestSigner signer(SIGNING_KEY, profile);
+    signer.sign(KEYID, request);
+    EXPECT_TRUE(signer.verifyRequest(KEYID, request));
+}
+
+// Of which a verifier looks at 8192 bytes.
+TEST_F(HttpRequestSignerTest, SignsNoMoreFieldsThanAreVerified) {
+    Request request = getRequest();
+    request.fields.emplace_back("X", "");
+    HttpResponse response;
+    response.headerFields = {{"X", ""}};
+    const auto pad = [](Fields& before, const Fields& after, std::size_t size) {
+        for (auto& [name, value] : before) {
+            value.append(name == "X" ? size - sizeOf(after) : 0, 'p');
+        }
+    };
+    HttpResponse signedResponse = response;
+    signer_.signResponse(KEYID, signedResponse);
+    pad(request.fields, signedFields(request), 8192);
+    pad(response.headerFields, signedResponse.headerFields, 8192);
+
+    Request largest = request;
+    signer_.sign(KEYID, largest);
+    EXPECT_EQ(sizeOf(largest.fields), 8192U);
+    EXPECT_TRUE(signer_.verifyRequest(KEYID, largest));
+    HttpResponse largestResponse = response;
+    signer_.signResponse(KEYID, largestResponse);
+    EXPECT_EQ(sizeOf(largestResponse.headerFields), 8192U);
+    EXPECT_TRUE(signer_.verify(KEYID, largestResponse));
+
+    const std::string text = "the signed message has 8193 bytes of fields, 8192 are verified at the most";
+    request.fields.back().second += 'p';
+    response.headerFields.back().second += 'p';
+    const Fields before = request.fields;
+    const Fields beforeOfResponse = response.headerFields;
+    EXPECT_EQ(messageOf<VORLException>([&] { signer_.sign(KEYID, request); }), text);
+    EXPECT_EQ(messageOf<VORLException>([&] { signer_.signResponse(KEYID, response); }), text);
+    EXPECT_EQ(messageOf<VORLException>([&] { signer_.signatureBase(KEYID, request); }), text);
+    EXPECT_EQ(request.fields, before);
+    EXPECT_EQ(response.headerFields, beforeOfResponse);
+}
+
+// Whom would it tell from anybody else?
+TEST_F(HttpRequestSignerTest, RefusesAnEmptyKey) {
+    EXPECT_EQ(messageOf<VORLException>([] { HttpRequestSigner signer(bytes{}); }),
+              "the signing key is empty");
+    EXPECT_EQ(messageOf<VORLException>([] { HttpRequestSigner signer(bytes{}, profileAt(NOW)); }),
+              "the signing key is empty");
+    EXPECT_EQ(messageOf<VORLException>([] { HttpRequestSigner::keyOfContext({}); }),
+              "the key of the context is empty");
+}
+
 TEST_F(HttpRequestSignerTest, DerivesItsKeyFromThatOfAContext) {
-    for (const std::size_t size : {0U, 16U, 100U}) {
+    for (const std::size_t size : {1U, 16U, 100U}) {
         EXPECT_EQ(HttpRequestSigner::keyOfContext(octets(size)),
                   rawHmac(EVP_sha256(), octets(size), octetsOf("libVORL HTTP request signing key")));
     }

@@ -1,12 +1,18 @@
 #include "octets.h"
 #include "raw_base64.h"
+#include "raw_digest.h"
+#include "raw_http_signature.h"
 #include "signed_messages.h"
+#include "test_vectors.h"
 
 #include <tarvik/crypto/HttpRequestSigner.h>
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <sstream>
 #include <string>
+#include <vector>
 
 // Signatures of which the base and the code are known from elsewhere.
 
@@ -16,119 +22,126 @@ namespace {
 
 using tarvik::crypto::HttpRequestSigner;
 using tarvik::crypto::HttpSignatureProfile;
+using Fields = tarvik::http::IHttpStream::Fields;
 using Request = tarvik::http::IHttpStream::Request;
 
-// RFC 9421, appendix B.1.5.
-const bytes SHARED_SECRET = rawUnbase64(
-    octetsOf("uzvJfB4u3N0Jy4T7NZ75MDVcr8zSTInedJtkgcu46YW4XByzNJjxBdtjUkdJPBtbmHhIDi6pcl8jsasjlTMtDQ=="));
-
-const char SHA_512_DIGEST[] =
-    "sha-512=:WZDPaVn/7XgHaAy8pmojAkGWoRx2UFChF41A2svX+TaPm+AbwAgBWnrIiYllu7BNNyealdVLvRwEmTHWXvJwew==:";
-
-// RFC 9421, appendix B.2.
-Request testRequest() {
-    return {"POST",
-            "https://example.com/foo?param=Value&Pet=dog",
-            {{"Host", "example.com"},
-             {"Date", "Tue, 20 Apr 2021 02:07:55 GMT"},
-             {"Content-Type", "application/json"},
-             {"Content-Digest", SHA_512_DIGEST},
-             {"Content-Length", "18"}},
-            octetsOf(R"({"hello": "world"})")};
-}
-
 struct KnownSignature {
-    const char* name;
     bytes key;
     std::string keyid;
     HttpSignatureProfile profile;
     Request request;
     std::string base;
-    std::string signature;
+    // What the message has more when it is signed.
+    Fields added;
+    bytes code;
 };
 
-// RFC 9421, appendix B.2.5.
-KnownSignature rfc9421() {
-    HttpSignatureProfile profile = profileAt(1618884473);
-    profile.label = "sig-b25";
-    profile.components = {"date", "@authority", "content-type"};
-    profile.parameters = {"created", "keyid"};
-    return {"Rfc9421B25",
-            SHARED_SECRET,
-            "test-shared-secret",
-            profile,
-            testRequest(),
-            "\"date\": Tue, 20 Apr 2021 02:07:55 GMT\n"
-            "\"@authority\": example.com\n"
-            "\"content-type\": application/json\n"
-            "\"@signature-params\": (\"date\" \"@authority\" \"content-type\")"
-            ";created=1618884473;keyid=\"test-shared-secret\"",
-            "sig-b25=:pxcQw6G3AjtMBQjwo8XzkZf/bws5LelbaMk5rGIGtE8=:"};
+// The values of "NAME 1", "NAME 2" and so on.
+std::vector<std::string> numbered(TestVector& vector, const std::string& name) {
+    std::vector<std::string> values;
+    for (std::size_t i = 1; vector.has(name + " " + std::to_string(i)); ++i) {
+        values.push_back(vector.text(name + " " + std::to_string(i)));
+    }
+    return values;
 }
 
-KnownSignature withAPort() {
-    HttpSignatureProfile profile = profileAt(0);
-    profile.components = {"@method", "@authority", "@path"};
-    profile.parameters = {"created", "keyid", "alg"};
-    return {"AuthorityWithAPort",
-            fromHex("0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcdef"),
-            "shared-key-1",
-            profile,
-            {"GET", "http://example.com:7000/5002/resource", {}, {}},
-            "\"@method\": GET\n"
-            "\"@authority\": example.com:7000\n"
-            "\"@path\": /5002/resource\n"
-            "\"@signature-params\": (\"@method\" \"@authority\" \"@path\")"
-            ";created=0;keyid=\"shared-key-1\";alg=\"hmac-sha256\"",
-            "vorl=:jvajJheXE4H/TqWfAn8m0d0Rx0XWYKADN/1P0qn+FLw=:"};
+std::vector<std::string> namesIn(const std::string& list) {
+    std::vector<std::string> names;
+    std::istringstream in(list);
+    for (std::string name; std::getline(in, name, ',');) {
+        names.push_back(name);
+    }
+    return names;
 }
 
-KnownSignature withADigest() {
-    HttpSignatureProfile profile = profileAt(1618884473);
-    profile.components = {"@method", "@authority", "@path", "content-digest", "content-type"};
-    profile.parameters = {"created", "keyid", "alg"};
-    Request request{"POST",
-                    "https://example.com/foo",
-                    {{"Content-Type", "application/json"}},
-                    octetsOf(R"({"hello": "world"})")};
-    return {
-        "BodyWithADigest",
-        SHARED_SECRET,
-        "test-shared-secret",
-        profile,
-        request,
-        "\"@method\": POST\n"
-        "\"@authority\": example.com\n"
-        "\"@path\": /foo\n"
-        "\"content-digest\": sha-256=:X48E9qOokqqrvdts8nOJRJN3OWDUoyWxBf7kbu9DBPE=:\n"
-        "\"content-type\": application/json\n"
-        "\"@signature-params\": (\"@method\" \"@authority\" \"@path\" \"content-digest\" \"content-type\")"
-        ";created=1618884473;keyid=\"test-shared-secret\";alg=\"hmac-sha256\"",
-        "vorl=:LGBSsPkz9Ku3eThYqwoz1qigyzpeNDbHj5OyaVjkxQA=:"};
+Request requestIn(TestVector& vector) {
+    Request request;
+    std::string target;
+    std::istringstream(vector.text("Request")) >> request.method >> target;
+    for (const std::string& line : numbered(vector, "Field")) {
+        const std::size_t colon = line.find(": ");
+        request.fields.emplace_back(line.substr(0, colon), line.substr(colon + 2));
+    }
+    request.targetUri = "http://" + fieldOf(request.fields, "Host").value() + target;
+    request.body = fromText(vector.has("Body") ? vector.text("Body") : "");
+    return request;
 }
 
-class KnownSignatures : public ::testing::TestWithParam<KnownSignature (*)()> {
-protected:
-    const KnownSignature known_ = GetParam()();
-    HttpRequestSigner signer_{known_.key, known_.profile};
-};
+KnownSignature known(TestVector& vector) {
+    vector.text("Name");
+    KnownSignature known;
+    known.key = vector.has("Key in hex") ? vector.octets("Key in hex")
+                                         : rawUnbase64(fromText(vector.text("Key in Base64")));
+    known.keyid = vector.text("Keyid");
+    known.request = requestIn(vector);
+
+    const std::string signature = vector.text("Signature");
+    const std::size_t equals = signature.find("=:");
+    known.code = rawUnbase64(fromText(signature.substr(equals + 2, signature.size() - equals - 3)));
+
+    known.profile = profileAt(std::stoll(vector.text("Created")));
+    known.profile.label = signature.substr(0, equals);
+    known.profile.components = namesIn(vector.text("Cover"));
+    known.profile.parameters = namesIn(vector.text("Parameters"));
+
+    const std::vector<std::string> lines = numbered(vector, "Base");
+    for (const std::string& line : lines) {
+        known.base += (known.base.empty() ? "" : "\n") + line;
+    }
+    if (vector.has("Base bytes")) {
+        EXPECT_EQ(std::to_string(known.base.size()), vector.text("Base bytes"));
+    }
+    if (vector.has("Added digest")) {
+        known.added.emplace_back("Content-Digest", vector.text("Added digest"));
+    }
+    const std::string parameters = lines.back().substr(lines.back().find(": ") + 2);
+    known.added.emplace_back("Signature-Input", known.profile.label + "=" + parameters);
+    known.added.emplace_back("Signature", signature);
+    return known;
+}
+
+// All of them.
+template <typename Use>
+void forEachSignature(Use use) {
+    const std::size_t count =
+        forEachVector(VORL_TEST_VECTORS "/http_signatures.txt", [&](TestVector& vector) {
+            SCOPED_TRACE(vector.place());
+            use(known(vector));
+        });
+    EXPECT_EQ(count, 3U);
+}
 
 }  // namespace
 
-TEST_P(KnownSignatures, AreMadeToTheCharacter) {
-    Request request = known_.request;
-    signer_.sign(known_.keyid, request);
-    EXPECT_EQ(fieldOf(request.fields, "Signature"), known_.signature);
-    EXPECT_EQ(signer_.signatureBase(known_.keyid, request), known_.base);
+TEST(KnownSignatures, AreMadeToTheCharacter) {
+    forEachSignature([](const KnownSignature& known) {
+        HttpRequestSigner signer(known.key, known.profile);
+        EXPECT_EQ(signer.signatureBase(known.keyid, known.request), known.base);
+        Request request = known.request;
+        signer.sign(known.keyid, request);
+        Fields expected = known.request.fields;
+        expected.insert(expected.end(), known.added.begin(), known.added.end());
+        EXPECT_EQ(request.fields, expected);
+        EXPECT_EQ(signer.signatureBase(known.keyid, request), known.base);
+    });
 }
 
-TEST_P(KnownSignatures, AreVerified) {
-    Request request = known_.request;
-    signer_.sign(known_.keyid, request);
-    EXPECT_TRUE(signer_.verifyRequest(known_.keyid, request));
+TEST(KnownSignatures, AreVerified) {
+    forEachSignature([](const KnownSignature& known) {
+        Request request = known.request;
+        request.fields.insert(request.fields.end(), known.added.begin(), known.added.end());
+        EXPECT_TRUE(HttpRequestSigner(known.key, known.profile).verifyRequest(known.keyid, request));
+        EXPECT_FALSE(HttpRequestSigner(octets(64), known.profile).verifyRequest(known.keyid, request));
+    });
 }
 
-INSTANTIATE_TEST_SUITE_P(Published, KnownSignatures, ::testing::Values(rfc9421, withAPort, withADigest),
-                         [](const auto& test) { return std::string(test.param().name); });
+TEST(KnownSignatures, AreOpenSSLsHmacOfTheirBase) {
+    forEachSignature([](const KnownSignature& known) {
+        EXPECT_EQ(known.code, rawHmac(EVP_sha256(), known.key, fromText(known.base)));
+        const auto digest = fieldOf(known.added, "Content-Digest");
+        EXPECT_EQ(digest.value_or(rawContentDigest(known.request.body)),
+                  rawContentDigest(known.request.body));
+    });
+}
 
 }  // namespace vorl::test

@@ -24,7 +24,8 @@ struct HttpSignatureProfile {
     /// of an answered request followed by ";req". Where there are none: of a request "@method" "@authority"
     /// "@path" "@query", with a body "content-digest" "content-type" too; of a response "@status"
     /// "content-digest", and where the request is known the first four of it, with a body its
-    /// "content-digest", and its "signature" if it has one.
+    /// "content-digest", and its "signature" if it has one. A list that fits requests and responses alike
+    /// lets the one pass for the other.
     std::vector<std::string> components;
     /// The parameters, in order; each of them must be there to be verified, and in any case "created" and
     /// "keyid". These are the ones there are.
@@ -46,11 +47,14 @@ struct HttpSignatureProfile {
 /// a nonce for one verification by the same object. Who has several peers keeps one object for each.
 class TARVIK_API HttpRequestSigner : public IRequestSigner {
 public:
-    /// With a key of any length, taken as it is, and the software platform's profile.
+    /// With a key of at least one byte, taken as it is, and the software platform's profile. Throws
+    /// vorl::VORLException for an empty key: everybody could sign with it.
     explicit HttpRequestSigner(const std::vector<unsigned char>& key);
-    /// Throws vorl::VORLException for a profile that cannot be written: a label that is no key of a
-    /// structured field, a component or a parameter that is not known or stands twice, a tag that is not
-    /// ASCII, a lifetime that is negative or has more than 15 digits.
+    /// Throws vorl::VORLException for an empty key and for a profile that cannot be written: a label that is
+    /// no key of a structured field, a component or a parameter that is not known or stands twice, a tag that
+    /// is not ASCII, a lifetime that is negative or has more than 15 digits. So it does for one whose
+    /// signatures would never be verified: with more than 16 components, or with "signature" or
+    /// "signature-input" among them.
     HttpRequestSigner(const std::vector<unsigned char>& key, const HttpSignatureProfile& profile);
     ~HttpRequestSigner() override;
 
@@ -58,14 +62,16 @@ public:
     HttpRequestSigner& operator=(const HttpRequestSigner&) = delete;
 
     /// The signing key that belongs to the key of a vorl::VorlContext: its HMAC-SHA256 of a fixed label, so
-    /// that the same bytes never are cipher key and signing key.
+    /// that the same bytes never are cipher key and signing key. Throws vorl::VORLException for an empty
+    /// key.
     static std::vector<unsigned char> keyOfContext(const std::vector<unsigned char>& contextKey);
 
     /// Appends the fields Signature-Input and Signature and, where it is covered, Content-Digest, unless
     /// there is one that has the SHA-256 of the body. Signatures that this operation has added before are
     /// replaced, so that a request can be sent again, and so is a digest of another body. Throws
-    /// vorl::VORLException for what cannot be signed (the text names the component), and
-    /// vorl::OpenSSLException where vorl::Random is not initialised; the request is then as it was.
+    /// vorl::VORLException for what cannot be signed (the text names the component) and where the names and
+    /// values of all fields would be more than the 8192 bytes that are verified, and vorl::OpenSSLException
+    /// where vorl::Random is not initialised; the request is then as it was.
     void sign(const std::string& keyid, tarvik::http::IHttpStream::Request& request) override;
     /// Whether the response carries one signature under the profile's label, by this key and keyid, in time
     /// and for the first time, over all that the profile covers, and the body is the one that was digested.

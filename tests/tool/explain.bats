@@ -5,7 +5,7 @@ load support
 
 # checks: how each of them went, in one line of words, from what explain has written.
 checks() {
-    sed '1,/^Checks, in the order of the library:$/d' <<<"$output" | grep -v '^ ' |
+    sed -e '1,/^Checks, in the order of the library:$/d' -e '/^$/,$d' <<<"$output" | grep -v '^ ' |
         sed 's/  .*//' | uniq -c | sed 's/^ *//' | paste -s -d ,
 }
 

@@ -52,8 +52,8 @@ struct Answer {
     bool isZero;
 };
 
-// What a party answers to the text of a peer whose private key is the prime 65537: the public key does not
-// matter, and the power of no other number is 0, 1 or -1 unless the group has a subgroup of that very order.
+// With the prime 65537 as private key: none but numbers whose power is 0, 1 or -1 under any key, or nearly
+// any, have such a power. The generator and the public key do not matter.
 Answer askLibrary(const bytes& text, const bytes& prime) {
     Buffer pair;
     for (const bytes& number : {prime, bytes{2}, bytes{2}, bytes{1, 0, 1}}) {
@@ -61,20 +61,26 @@ Answer askLibrary(const bytes& text, const bytes& prime) {
     }
     try {
         const bytes secret = DiffieHellman::decode(pair)->computeSharedSecret(text);
-        return {"", std::all_of(secret.begin(), secret.end(), [](unsigned char octet) { return octet == 0; })};
+        return {"",
+                std::all_of(secret.begin(), secret.end(), [](unsigned char octet) { return octet == 0; })};
     } catch (const VORLException& fault) {
         return {fault.what(), false};
     }
 }
 
-// "0 modulo the prime" and its like, where the secret is the same whatever the private key; empty elsewhere.
-std::string fixingValue(const BigNum& number, const BigNum& prime) {
-    const std::unique_ptr<BN_CTX, decltype(&BN_CTX_free)> context(BN_CTX_new(), BN_CTX_free);
-    BigNum rest(nullptr);
-    BigNum last(prime);
-    if (!context || BN_mod(rest.bn(), number.getBIGNUM(), prime.getBIGNUM(), context.get()) == 0) {
+// What a number is that fixes the secret whatever the private keys; empty for others.
+std::string fixingName(const BigNum& number, const std::optional<bytes>& prime) {
+    if (BN_is_zero(number.getBIGNUM()) != 0 || BN_is_one(number.getBIGNUM()) != 0) {
+        return BN_is_zero(number.getBIGNUM()) != 0 ? "0" : "1";
     }
-    return "";
+    const std::unique_ptr<BIGNUM, decltype(&BN_free)> more(BN_new(), BN_free);
+    if (!prime || !more || BN_sub(more.get(), number.getBIGNUM(), BigNum(*prime).getBIGNUM()) == 0) {
+        return "";
+    }
+    if (BN_abs_is_word(more.get(), 1) != 0) {
+        return BN_is_negative(more.get()) != 0 ? "the prime less 1" : "the prime and 1";
+    }
+    return BN_is_zero(more.get()) != 0 ? "the prime" : "";
 }
 
 bool isReadable(const bytes& record) {
@@ -133,24 +139,60 @@ void walkThrough(const Explained& input, StepWalk& walk) {
         walk.refuse(VERSION_BYTES, "it has " + bytesText(keyBytes));
     }
     walk.pass();
-    walk.need("the group");
-    walk.need("the group");
+}
+
+void checkGroup(const std::optional<bytes>& prime, StepWalk& walk) {
+    if (!prime) {
+        walk.need("the group");
+    } else if (isAgreementSize(bitsOf(*prime))) {
+        walk.pass();
+    } else {
+        walk.refuse(std::nullopt, wrongSizeText(bitsOf(*prime)));
+    }
+}
+
+bytes keyIn(const bytes& record) {
+    Buffer in(record);
+    DHPubKey peer;
+    peer.decode(in);
+    return peer.key();
+}
+
+void warnOfNumber(const bytes& record, const std::string& name, StepWalk& walk) {
+    walk.warn(
+        isOfBareKeySize(record) ? 0 : VERSION_BYTES,
+        (name.empty() ? "it has no place in the group" : "it is " + name) +
+            ": OpenSSL computes nothing with it, and the library gives out 128 zero bytes as the secret, "
+            "which anybody knows");
 }
 
 }  // namespace
 
-Explanation explainDhRecord(const Explained& record) {
+Explanation explainDhRecord(const Explained& record, const DiffieHellmanParams* group) {
+    const std::optional<bytes> prime =
+        group != nullptr ? std::make_optional(numbersOf(*group).prime) : std::nullopt;
     StepWalk walk(dhRecordSteps());
     walkThrough(record, walk);
-    const std::string text = agreementFault(record.fault ? record.text : Base64::encode(record.record));
-    const bool isRefused = text != SMALL_GROUP_TEXT;
     const std::size_t passed = walk.passed();
+    checkGroup(prime, walk);
+    const Answer answer =
+        askLibrary(record.fault ? record.text : Base64::encode(record.record), prime.value_or(SMALL_PRIME));
+    const std::string name = walk.hasRefused() ? "" : fixingName(BigNum(keyIn(record.record)), prime);
+    if (!name.empty() || answer.isZero) {
+        warnOfNumber(record.record, name, walk);
+    } else if (prime) {
+        walk.pass();
+    } else {
+        walk.need("the group");
+    }
+    const bool isRefused = prime ? !answer.fault.empty() : answer.fault != SMALL_GROUP_TEXT;
     // An empty record is refused before it is read.
     const bool isFormRefused = passed > BASE64 && passed <= KEY;
-    const bool agrees = isRefused == (passed <= KEY_LENGTH) &&
+    const bool agrees = isRefused == walk.hasRefused() && (!prime || name.empty() || answer.isZero) &&
                         (record.fault.has_value() == (passed == BASE64)) &&
                         (passed == BASE64 || isFormRefused != isReadable(record.record));
-    return {walk.complete(text), agrees};
+    return {walk.complete(answer.fault), agrees,
+            "a record carries no signature, so that something else has to prove who made it"};
 }
 
 }  // namespace vorl::tool

@@ -250,7 +250,10 @@ Explanation explainEnvelope(const Explained& envelope, const Level& context, con
     if (agrees) {
         walk.open(envelope.record, key);
     }
-    return {walk.steps(verdict.text), agrees};
+    return {
+        walk.steps(verdict.text), agrees,
+        "an envelope carries no signature: anybody who has the key can have made it, and a damaged one may "
+        "open all the same"};
 }
 
 }  // namespace vorl::tool

@@ -28,9 +28,9 @@ struct Explained {
 /// the last check is left open; with one, it is made, and how a decryption failed is not told.
 Explanation explainEnvelope(const Explained& envelope, const Level& context, const SecretBytes* key);
 
-/// What DiffieHellman::computeSharedSecret() does with the record of a peer. Without a group, as far as it does
-/// not depend on that. The library takes numbers that fix the secret, and is not said to refuse them: such a
-/// check warns.
+/// What DiffieHellman::computeSharedSecret() does with the record of a peer. Without a group, as far as it
+/// does not depend on that. The library takes numbers that fix the secret, and is not said to refuse them:
+/// such a check warns.
 Explanation explainDhRecord(const Explained& record, const DiffieHellmanParams* group = nullptr);
 
 /// What a signature is verified with, as far as it is there.

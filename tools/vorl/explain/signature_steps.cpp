@@ -2,14 +2,19 @@
 #include "inspect/FieldReader.h"
 #include "inspect/numbers.h"
 #include "vorl/PKSignature.h"
+#include "vorl/PKSignatureProcessor.h"
+#include "vorl/PubKey.h"
 #include "vorl/Util.h"
 #include "vorl/VORLException.h"
+
+#include <openssl/evp.h>
 
 namespace vorl::tool {
 
 namespace {
 
 const unsigned char VERSION = 1;
+const std::uint64_t VERSION_BYTES = 1;
 
 std::vector<Step> signatureSteps() {
     return {
@@ -34,26 +39,27 @@ std::string formFault(const bytes& record) {
     }
 }
 
-void walkThrough(const Explained& input, StepWalk& walk) {
+// The size of the value.
+std::uint64_t walkThrough(const Explained& input, StepWalk& walk) {
     Report fields;
     FieldReader reader(input.record, fields);
     if (input.fault || reader.atEnd()) {
         walk.refuse(
             input.fault ? input.fault->offset : 0,
             input.fault ? input.fault->text + ", which leaves a record without a byte" : "there is none");
-        return;
+        return 0;
     }
     walk.pass();
     const unsigned char version = reader.readByte("version");
     if (version != VERSION) {
         walk.refuse(0, "no signature record has the version 0x" + Util::toHexString(version));
-        return;
+        return 0;
     }
     walk.pass("SHA1withRSA");
     const std::optional<std::uint64_t> valueBytes = reader.readBlock("value", "");
     if (!valueBytes) {
         walk.refuse(fields.problem->offset, fields.problem->text);
-        return;
+        return 0;
     }
     walk.pass(bytesText(*valueBytes));
     const std::uint64_t end = reader.offset();
@@ -63,17 +69,55 @@ void walkThrough(const Explained& input, StepWalk& walk) {
                              "; the library does not look at them, and 'vorl verify' refuses them");
     }
     walk.pass();
-    walk.need("the public key");
-    walk.need("the public key and the input");
+    return *valueBytes;
+}
+
+// Whether the library takes it for the key's own.
+bool isVerified(const bytes& record, const Verification& verification) {
+    const auto processor = verification.processor ? verification.processor : PKSignatureProcessor::create();
+    processor->initVerify(verification.key);
+    return processor->verify(PKSignature::decode(record));
+}
+
+void checkLength(std::uint64_t valueBytes, const Verification& verification, StepWalk& walk) {
+    if (!verification.key) {
+        walk.need("the public key");
+        return;
+    }
+    const auto modulusBytes = static_cast<std::uint64_t>(EVP_PKEY_size(verification.key->getEVP_PKEY()));
+    if (valueBytes != modulusBytes) {
+        walk.refuse(VERSION_BYTES,
+                    "it has " + bytesText(valueBytes) + ", and the modulus " + bytesText(modulusBytes));
+    }
+    walk.pass();
+}
+
+void checkMatch(bool isVerified, const Verification& verification, StepWalk& walk) {
+    if (!verification.key) {
+        walk.need(verification.processor ? "the public key" : "the public key and the input");
+    } else if (!verification.processor) {
+        walk.need("the input");
+    } else if (isVerified) {
+        walk.pass();
+    } else {
+        walk.refuse(VERSION_BYTES, "the key has not made it over this input");
+    }
 }
 
 }  // namespace
 
-Explanation explainSignature(const Explained& record) {
+Explanation explainSignature(const Explained& record, const Verification& verification) {
     StepWalk walk(signatureSteps());
-    walkThrough(record, walk);
+    const std::uint64_t valueBytes = walkThrough(record, walk);
     const std::string text = formFault(record.record);
-    return {walk.complete(text), text.empty() == (walk.passed() >= END)};
+    bool agrees = text.empty() == (walk.passed() >= END);
+    if (!walk.hasRefused()) {
+        checkLength(valueBytes, verification, walk);
+        const bool verified = verification.key && isVerified(record.record, verification);
+        agrees = agrees && !(verified && walk.hasRefused());
+        checkMatch(verified, verification, walk);
+    }
+    return {walk.complete(text), agrees, "whose the key is, it does not say"};
 }
 
 }  // namespace vorl::tool

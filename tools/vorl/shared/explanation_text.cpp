@@ -17,6 +17,8 @@ std::string outcomeText(const Step& step) {
     switch (step.outcome) {
         case Outcome::PASSES:
             return "passes";
+        case Outcome::WARNS:
+            return "WARNS";
         case Outcome::REFUSES:
             return "REFUSES";
         case Outcome::NEEDS:
@@ -27,9 +29,9 @@ std::string outcomeText(const Step& step) {
 }
 
 std::string painted(const Step& step, const std::string& text, const Painter& paint) {
-    return step.outcome == Outcome::PASSES    ? paint(Style::GOOD, text)
-           : step.outcome == Outcome::REFUSES ? paint(Style::BAD, text)
-                                              : text;
+    return step.outcome == Outcome::PASSES                                      ? paint(Style::GOOD, text)
+           : step.outcome == Outcome::REFUSES || step.outcome == Outcome::WARNS ? paint(Style::BAD, text)
+                                                                                : text;
 }
 
 // Some of the library's texts end with a dump of the input.
@@ -63,9 +65,24 @@ std::string receptionText(const Reception& reception) {
            "\n\n";
 }
 
+// What nobody should take for more than it is.
+std::string conclusion(const Explanation& explanation) {
+    if (explanation.refusing() != nullptr) {
+        return "";
+    }
+    if (explanation.first(Outcome::WARNS) != nullptr) {
+        return "\nThe library refuses nothing here, and no keys should be derived all the same.\n";
+    }
+    return (explanation.first(Outcome::NEEDS) != nullptr ? "\nNo check that was made refuses it, which does "
+                                                           "not make it valid: others were not made, and\n"
+                                                         : "\nAll checks pass, but ") +
+           explanation.caveat + ".\n";
+}
+
 Json stepJson(const Step& step) {
     Json json = {{"name", step.name}, {"requirement", step.requirement}};
     json["outcome"] = step.outcome == Outcome::PASSES    ? "passes"
+                      : step.outcome == Outcome::WARNS   ? "warns"
                       : step.outcome == Outcome::REFUSES ? "refuses"
                       : step.outcome == Outcome::NEEDS   ? "needs"
                                                          : "not reached";
@@ -95,7 +112,7 @@ std::string explanationText(const Explanation& explanation, const std::optional<
     for (const Step& step : explanation.steps) {
         text += stepText(step, width, paint);
     }
-    return text;
+    return text + conclusion(explanation);
 }
 
 std::string explanationJson(const Report& report, const Explanation& explanation,

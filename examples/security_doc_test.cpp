@@ -2,6 +2,8 @@
 //
 //     security_doc_test PRIVATE.pem PUBLIC.pem
 
+#include "checks.h"
+
 #include <vorl/vorl.h>
 
 #include <brisclient/Base64.h>
@@ -11,15 +13,15 @@
 
 #include <cstdio>
 #include <fstream>
-#include <functional>
 #include <iostream>
 #include <memory>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
+using example::check;
+using example::refusalOf;
 using tarvik::crypto::HttpRequestSigner;
 using Request = tarvik::http::IHttpStream::Request;
 
@@ -48,24 +50,6 @@ Sgh5jjQE3e+VGbPNOkMbMCsKbfJfFDdP4TVtbVHCReSFtXZiXn7G9ExC6aY37WsL
 -----END DH PARAMETERS-----
 )";
 const char KEYID[] = "00";
-
-int faults = 0;
-
-void check(bool holds, const std::string& what) {
-    if (!holds) {
-        std::cout << "FAILED: " << what << '\n';
-        ++faults;
-    }
-}
-
-std::string refusalOf(const std::function<void()>& step) {
-    try {
-        step();
-    } catch (const std::runtime_error& fault) {
-        return fault.what();
-    }
-    return "";
-}
 
 vorl::bytes octetsOf(const std::string& text) {
     return vorl::bytes(text.begin(), text.end());
@@ -189,7 +173,7 @@ int main(int argc, char** argv) {
         std::cerr << "usage: security_doc_test PRIVATE.pem PUBLIC.pem\n";
         return 2;
     }
-    try {
+    return example::statusOf([&] {
         vorl::Random::init_ = false;
         startUp();
         check(vorl::Random::init_, "startUp finds the generator seeded");
@@ -201,9 +185,5 @@ int main(int argc, char** argv) {
         checkCodes();
         checkAgreement();
         checkSignatures(arguments[0], arguments[1]);
-    } catch (const std::exception& fault) {
-        std::cout << "FAILED: " << fault.what() << '\n';
-        ++faults;
-    }
-    return faults == 0 ? 0 : 1;
+    });
 }

@@ -9,15 +9,6 @@ service=$process
 port=${url##*:}
 printf 'HTTP/1.1 403 Forbidden\r\nConnection: close\r\nContent-Length: 0\r\n\r\n' >refusal
 
-# ask NAME: standard input goes to the service, what comes back to NAME.answer.
-ask() {
-    local connection
-    exec {connection}<>"/dev/tcp/127.0.0.1/$port"
-    cat >&"$connection"
-    timeout 60 cat <&"$connection" >"$1.answer" || fail "$1: the connection does not end"
-    exec {connection}>&-
-}
-
 # refused NAME REQUEST [REASON]: by the known octets, and for this reason in the log; with "unread" for a reason, without
 # a line in the log.
 refused() {
@@ -25,7 +16,7 @@ refused() {
     expected="refused: ${3-}"
     [[ ${3-} != unread ]] || expected=
     before=$(wc -l <service.log)
-    printf '%b' "$2" | ask "$1"
+    printf '%b' "$2" | ask "$1.answer"
     cmp refusal "$1.answer" || fail "$1: it is refused in another way"
     [[ -z ${3-} || $(tail -n "+$((before + 1))" service.log) == "$expected" ]] ||
         fail "$1: the reason in the log is another one"
@@ -125,6 +116,10 @@ status=0
 status=0
 "$programs/device" "$url/" "$keys/service.pem" "$keys/service.pem" >device.log 2>device.err || status=$?
 [[ $status -eq 1 && $(<device.err) == "device: this is no URL of a service without a path: $url/" ]] || fail 'a path is dropped'
+
+status=0
+"$programs/device" "$url" "$keys/service.pem" "$keys/service.pem" missing >device.log 2>device.err || status=$?
+[[ $status -eq 1 && $(<device.err) == 'device: missing/1-device.dh cannot be written' ]] || fail 'records are not kept, without a word'
 
 # Told to end with half a request read, it ends.
 exec {half}<>"/dev/tcp/127.0.0.1/$port"

@@ -1,10 +1,7 @@
 // Whether sessions end when they should: a test, which says what time it is.
 
 #include "Sessions.h"
-
-#include <functional>
-#include <iostream>
-#include <stdexcept>
+#include "../checks.h"
 
 namespace example {
 
@@ -14,24 +11,6 @@ using Clock = Session::Clock;
 
 const Clock::time_point START = Clock::time_point() + std::chrono::hours(1);
 const std::chrono::seconds A_MOMENT(1);
-
-int faults = 0;
-
-void check(bool holds, const std::string& what) {
-    if (!holds) {
-        std::cout << "FAILED: " << what << '\n';
-        ++faults;
-    }
-}
-
-std::string refusalOf(const std::function<void()>& step) {
-    try {
-        step();
-    } catch (const std::runtime_error& fault) {
-        return fault.what();
-    }
-    return "";
-}
 
 std::shared_ptr<Session> sessionAt(Clock::time_point now) {
     return std::make_shared<Session>(vorl::bytes(16, 0x11), now);
@@ -73,13 +52,9 @@ void checkMost() {
 }  // namespace example
 
 int main() {
-    try {
+    return example::statusOf([] {
         example::startLibrary();
         example::checkIdle();
         example::checkMost();
-    } catch (const std::exception& fault) {
-        std::cout << "FAILED: " << fault.what() << '\n';
-        return 1;
-    }
-    return example::faults == 0 ? 0 : 1;
+    });
 }

@@ -39,3 +39,12 @@ start() {
     done
     fail "$name does not start"
 }
+
+# ask ANSWER: standard input goes to the service at $url, what comes back to the file.
+ask() {
+    local connection
+    exec {connection}<>"/dev/tcp/127.0.0.1/${url##*:}"
+    cat >&"$connection"
+    timeout 60 cat <&"$connection" >"$1" || fail "$1: the connection does not end"
+    exec {connection}>&-
+}

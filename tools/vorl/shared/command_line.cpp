@@ -60,10 +60,10 @@ void declareCommands(CLI::App& app, Run& chosen) {
     }
     for (const Command& command : COMMANDS) {
         CLI::App* const subcommand = addCommand(app, command.name, command.description);
-        // Only the one that is named declares its options: the others would be most of the work of a run.
+        // Only the one that is named declares its options, which keeps the start of a run short.
         subcommand->preparse_callback([&chosen, &command, subcommand](std::size_t) {
             CommandOptions options(*subcommand);
-            chosen = command.declare(options);
+            subcommand->callback([&chosen, run = command.declare(options)] { chosen = run; });
         });
     }
 }

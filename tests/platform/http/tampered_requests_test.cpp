@@ -52,6 +52,15 @@ struct AnotherDraft {
 class AcceptedDraft : public ::testing::TestWithParam<AnotherDraft> {};
 class RefusedDraft : public ::testing::TestWithParam<AnotherDraft> {};
 
+struct SignedText {
+    const char* name;
+    std::string& (*of)(Request&);
+    // Where it begins to be signed.
+    std::size_t from;
+};
+
+class EachCharacter : public ::testing::TestWithParam<SignedText> {};
+
 struct UncoveredChange {
     const char* name;
     void (*change)(Request&);
@@ -288,6 +297,9 @@ INSTANTIATE_TEST_SUITE_P(
                   [](Request& r) {
                       signatureOf(r) = "vorl=(" + rawOctetField(postDraft().signature.code(DRAFT_KEY)) + ")";
                   }},
+        Tampering{"WithAParameter", [](Request& r) { signatureOf(r) += ";a=1"; }},
+        Tampering{"WithAnAlgorithm", [](Request& r) { signatureOf(r) += ";alg=\"hmac-sha256\""; }},
+        Tampering{"WithAFlag", [](Request& r) { signatureOf(r) += ";a"; }},
         Tampering{"Alone", [](Request& r) { signatureOf(r) = "vorl"; }},
         Tampering{"Removed", [](Request& r) { removeField(r.fields, "Signature"); }},
         Tampering{"Emptied", [](Request& r) { signatureOf(r) = ""; }},
@@ -319,6 +331,44 @@ INSTANTIATE_TEST_SUITE_P(
         Tampering{"InputCutShort", [](Request& r) { inputOf(r).pop_back(); }},
         Tampering{"InputAndSignatureExchanged", [](Request& r) { inputOf(r).swap(signatureOf(r)); }}),
     nameOfCase<Tampering>);
+
+// Whatever the tables forget.
+TEST_P(EachCharacter, IsRefusedAsAnotherOne) {
+    Request request = sealed(postDraft());
+    EXPECT_TRUE(isAccepted(request));
+    std::string& text = GetParam().of(request);
+    for (std::size_t i = GetParam().from; i < text.size(); ++i) {
+        const char whole = text[i];
+        for (int bit = 0x01; bit <= 0x80; bit *= 2) {
+            text[i] = static_cast<char>(whole ^ bit);
+            EXPECT_FALSE(isAccepted(request)) << text;
+        }
+        text[i] = whole;
+    }
+}
+
+TEST_P(EachCharacter, IsMissedWhenItIsGone) {
+    const Request whole = sealed(postDraft());
+    Request request = whole;
+    const std::size_t size = GetParam().of(request).size();
+    for (std::size_t i = GetParam().from; i < size; ++i) {
+        request = whole;
+        GetParam().of(request).erase(i, 1);
+        EXPECT_FALSE(isAccepted(request)) << GetParam().of(request);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, EachCharacter,
+    ::testing::Values(
+        SignedText{"Method", [](Request& r) -> std::string& { return r.method; }, 0},
+        SignedText{"PathAndQuery", [](Request& r) -> std::string& { return r.targetUri; },
+                   std::string("https://service.example").size()},
+        SignedText{"ContentType",
+                   [](Request& r) -> std::string& { return existingField(r.fields, "Content-Type"); }, 0},
+        SignedText{"Digest", digestOf, 0}, SignedText{"Input", inputOf, 0},
+        SignedText{"Signature", signatureOf, 0}),
+    nameOfCase<SignedText>);
 
 TEST(TamperedRequestSignature, IsRefusedWithAnyOctetChanged) {
     const bytes code = postDraft().signature.code(DRAFT_KEY);
@@ -379,6 +429,8 @@ INSTANTIATE_TEST_SUITE_P(
         UncoveredChange{"HostInCapitals", [](Request& r) { replaceOnce(r.targetUri, "service", "SERVICE"); }},
         UncoveredChange{"PortOfTheScheme",
                         [](Request& r) { replaceOnce(r.targetUri, "example/", "example:443/"); }},
+        // Who needs it covered adds "@scheme" to the components of the profile.
+        UncoveredChange{"Scheme", [](Request& r) { replaceOnce(r.targetUri, "https:", "http:"); }},
         UncoveredChange{"AnotherField", [](Request& r) { r.fields.emplace_back("Via", "1.1 proxy"); }},
         UncoveredChange{"OrderOfFields", [](Request& r) { std::reverse(r.fields.begin(), r.fields.end()); }},
         UncoveredChange{"NamesInCapitals",

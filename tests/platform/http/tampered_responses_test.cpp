@@ -93,8 +93,24 @@ INSTANTIATE_TEST_SUITE_P(
                           [](HttpResponse& r) { replaceOnce(inputOf(r), " \"content-digest\" ", " "); }},
         ResponseTampering{"WithoutMethodOfTheRequest",
                           [](HttpResponse& r) { replaceOnce(inputOf(r), "\"@method\";req ", ""); }},
+        ResponseTampering{"WithoutAuthorityOfTheRequest",
+                          [](HttpResponse& r) { replaceOnce(inputOf(r), "\"@authority\";req ", ""); }},
+        ResponseTampering{"WithoutPathOfTheRequest",
+                          [](HttpResponse& r) { replaceOnce(inputOf(r), "\"@path\";req ", ""); }},
+        ResponseTampering{"WithoutQueryOfTheRequest",
+                          [](HttpResponse& r) { replaceOnce(inputOf(r), "\"@query\";req ", ""); }},
+        ResponseTampering{"WithoutDigestOfTheRequest",
+                          [](HttpResponse& r) { replaceOnce(inputOf(r), "\"content-digest\";req ", ""); }},
         ResponseTampering{"WithoutSignatureOfTheRequest",
                           [](HttpResponse& r) { replaceOnce(inputOf(r), " \"signature\";req", ""); }},
+        ResponseTampering{"OtherOrder",
+                          [](HttpResponse& r) {
+                              replaceOnce(inputOf(r), R"("@status" "content-digest")",
+                                          R"("content-digest" "@status")");
+                          }},
+        ResponseTampering{
+            "Twice",
+            [](HttpResponse& r) { replaceOnce(inputOf(r), "\"@status\"", R"("@status" "@status")"); }},
         ResponseTampering{"MethodWithoutReq",
                           [](HttpResponse& r) { replaceOnce(inputOf(r), "\"@method\";req", "\"@method\""); }},
         ResponseTampering{"ReqFalse",
@@ -105,6 +121,67 @@ INSTANTIATE_TEST_SUITE_P(
                           [](HttpResponse& r) { inputOf(r) = std::string("vorl=()") + DRAFT_PARAMETERS; }},
         ResponseTampering{"NoSignature", [](HttpResponse& r) { removeField(r.headerFields, "Signature"); }},
         ResponseTampering{"NoFields", [](HttpResponse& r) { r.headerFields.clear(); }}),
+    nameOfResponseCase<ResponseTampering>);
+
+INSTANTIATE_TEST_SUITE_P(
+    Parameters, TamperedResponse,
+    ::testing::Values(
+        ResponseTampering{"Created",
+                          [](HttpResponse& r) { replaceOnce(inputOf(r), "=1700000000", "=1700000001"); }},
+        ResponseTampering{"NoCreated",
+                          [](HttpResponse& r) { replaceOnce(inputOf(r), ";created=1700000000", ""); }},
+        ResponseTampering{"Expires",
+                          [](HttpResponse& r) { replaceOnce(inputOf(r), "=1700000300", "=1700000301"); }},
+        ResponseTampering{"NoExpires",
+                          [](HttpResponse& r) { replaceOnce(inputOf(r), ";expires=1700000300", ""); }},
+        ResponseTampering{"Nonce", [](HttpResponse& r) { replaceOnce(inputOf(r), "\"AAEC", "\"BAEC"); }},
+        ResponseTampering{
+            "NoNonce",
+            [](HttpResponse& r) { replaceOnce(inputOf(r), ";nonce=\"AAECAwQFBgcICQoLDA0ODw==\"", ""); }},
+        ResponseTampering{"Keyid", [](HttpResponse& r) { replaceOnce(inputOf(r), "device-7", "device-8"); }},
+        ResponseTampering{"NoKeyid",
+                          [](HttpResponse& r) { replaceOnce(inputOf(r), ";keyid=\"device-7\"", ""); }},
+        ResponseTampering{"Algorithm",
+                          [](HttpResponse& r) { replaceOnce(inputOf(r), "hmac-sha256", "hmac-sha512"); }},
+        ResponseTampering{"NoAlgorithm",
+                          [](HttpResponse& r) { replaceOnce(inputOf(r), ";alg=\"hmac-sha256\"", ""); }},
+        ResponseTampering{"Tag", [](HttpResponse& r) { replaceOnce(inputOf(r), "vorl-1", "vorl-2"); }},
+        ResponseTampering{"NoTag", [](HttpResponse& r) { replaceOnce(inputOf(r), ";tag=\"vorl-1\"", ""); }},
+        ResponseTampering{"Another", [](HttpResponse& r) { inputOf(r) += ";more=1"; }},
+        ResponseTampering{"None", [](HttpResponse& r) { replaceOnce(inputOf(r), DRAFT_PARAMETERS, ""); }}),
+    nameOfResponseCase<ResponseTampering>);
+
+INSTANTIATE_TEST_SUITE_P(
+    Signatures, TamperedResponse,
+    ::testing::Values(
+        ResponseTampering{"OfZeros",
+                          [](HttpResponse& r) {
+                              existingField(r.headerFields, "Signature") = "vorl=" + rawOctetField(bytes(32));
+                          }},
+        ResponseTampering{
+            "WithAParameter",
+            [](HttpResponse& r) { existingField(r.headerFields, "Signature") += ";alg=\"hmac-sha256\""; }},
+        ResponseTampering{"TwiceOnTwoLines",
+                          [](HttpResponse& r) {
+                              r.headerFields.emplace_back("Signature",
+                                                          existingField(r.headerFields, "Signature"));
+                          }},
+        ResponseTampering{"AnotherBehindIt",
+                          [](HttpResponse& r) {
+                              r.headerFields.emplace_back("Signature", "vorl=" + rawOctetField(bytes(32)));
+                          }},
+        ResponseTampering{
+            "InputTwiceOnTwoLines",
+            [](HttpResponse& r) { r.headerFields.emplace_back("Signature-Input", inputOf(r)); }},
+        ResponseTampering{"InputRemoved",
+                          [](HttpResponse& r) { removeField(r.headerFields, "Signature-Input"); }},
+        ResponseTampering{"OfTheRequest",
+                          [](HttpResponse& r) {
+                              for (const char* name : {"Signature-Input", "Signature"}) {
+                                  existingField(r.headerFields, name) =
+                                      existingField(r.answered->fields, name);
+                              }
+                          }}),
     nameOfResponseCase<ResponseTampering>);
 
 // The response to one request is none to another.

@@ -69,6 +69,10 @@ TEST_P(SignatureTime, IsJudged) {
         replaceOnce(draft.signature.parameters, "expires=1700000300",
                     "expires=" + std::to_string(now + time.expires));
         EXPECT_EQ(isAccepted(sealed(draft), now), time.accepted) << now;
+
+        ResponseDraft answer = answerDraft();
+        answer.signature.parameters = draft.signature.parameters;
+        EXPECT_EQ(isAccepted(sealed(answer), now), time.accepted) << now;
     }
 }
 
@@ -126,6 +130,15 @@ TEST_F(SignerWithAClock, AcceptsASignatureOnce) {
     EXPECT_FALSE(verifies(signer, request));
     HttpRequestSigner another(DRAFT_KEY, profile());
     EXPECT_TRUE(verifies(another, request));
+}
+
+TEST_F(SignerWithAClock, AcceptsASignatureOfAResponseOnce) {
+    HttpRequestSigner signer(DRAFT_KEY, profile());
+    tarvik::http::HttpResponse response = sealed(answerDraft());
+    EXPECT_TRUE(signer.verify(DRAFT_KEYID, response));
+    EXPECT_FALSE(signer.verify(DRAFT_KEYID, response));
+    now_ += 300;
+    EXPECT_FALSE(signer.verify(DRAFT_KEYID, response));
 }
 
 TEST_F(SignerWithAClock, AcceptsANonceOnceInBothDirections) {

@@ -18,30 +18,63 @@ setup() {
     [ "$VORL_SIGNS_HTTP" != 1 ] || cp "$BATS_FILE_TMPDIR"/* .
 }
 
-# RFC 9421, appendix B: the test request and the shared secret; a request to another port; a request with a digest.
+VECTORS=$BATS_TEST_DIRNAME/../vectors/http_signatures.txt
+
+# known NAME FIELD: what a known signature has in that field, or in the fields that the pattern names, line by line.
+known() {
+    sed -n "/^Name = $1\$/,/^\$/s/^$2 = //p" "$VECTORS"
+}
+
+# head_of_known NAME: its message up to the body.
+head_of_known() {
+    known "$1" Request
+    known "$1" 'Field [0-9]*'
+    echo
+}
+
+# The known ones: with lines as they are sent, without a body, and as an editor writes them.
 messages() {
-    echo uzvJfB4u3N0Jy4T7NZ75MDVcr8zSTInedJtkgcu46YW4XByzNJjxBdtjUkdJPBtbmHhIDi6pcl8jsasjlTMtDQ== >shared-secret
-    printf '0123456789abcdef%.0s' 1 2 3 4 >shared-key-1
-    printf '%s\r\n' 'POST /foo?param=Value&Pet=dog HTTP/1.1' 'Host: example.com' \
-        'Date: Tue, 20 Apr 2021 02:07:55 GMT' 'Content-Type: application/json' \
-        'Content-Digest: sha-512=:WZDPaVn/7XgHaAy8pmojAkGWoRx2UFChF41A2svX+TaPm+AbwAgBWnrIiYllu7BNNyealdVLvRwEmTHWXvJwew==:' \
-        'Content-Length: 18' '' >rfc9421
-    printf '{"hello": "world"}' >>rfc9421
-    printf '%s\n' 'GET /5002/resource HTTP/1.1' 'Host: example.com:7000' '' >with-port
-    printf '%s\n' 'POST /foo HTTP/1.1' 'Host: example.com' 'Content-Type: application/json' \
-        'Content-Length: 18' '' '{"hello": "world"}' >with-body
+    head_of_known Rfc9421B25 | sed 's/$/\r/' >rfc9421
+    known Rfc9421B25 Body | head -c -1 >>rfc9421
+    head_of_known AuthorityWithAPort >with-port
+    { head_of_known BodyWithADigest && known BodyWithADigest Body; } >with-body
     printf '%s\n' 'HTTP/1.1 200 OK' 'Content-Type: text/plain' 'Content-Length: 5' '' 'hello' >response
 }
 
-RFC9421_OPTIONS=(--label sig-b25 --keyid test-shared-secret --cover "date,@authority,content-type"
-    --parameters created,keyid --at 1618884473)
-SHARED_SECRET=(-k shared-secret --key-format base64)
+# is_signed_as NAME MESSAGE: the message is given that signature; it is shown, verified and computed without the tool, too.
+is_signed_as() {
+    local name=$1 message=$2 code digest format input key_digits label signature
+    signature=$(known "$name" Signature)
+    label=${signature%%=:*}
+    code=${signature#*=:}
+    code=${code%:}
+    known "$name" 'Base [0-9]*' | head -c -1 >known-base
+    input=$(tail -n 1 known-base)
+    digest=$(known "$name" 'Added digest')
+    if [ -n "$(known "$name" 'Key in hex')" ]; then
+        format=hex
+        key_digits=$(known "$name" 'Key in hex')
+        echo "$key_digits" >known-key
+    else
+        format=base64
+        known "$name" 'Key in Base64' >known-key
+        key_digits=$(openssl base64 -d -A -in known-key | hex)
+    fi
+    local profile=(--label "$label" --keyid "$(known "$name" Keyid)" --cover "$(known "$name" Cover)"
+        --parameters "$(known "$name" Parameters)" --at "$(known "$name" Created)")
 
-PORT_OPTIONS=(--keyid shared-key-1 --cover @method,@authority,@path --parameters created,keyid,alg --at 0)
-SHARED_KEY_1=(-k shared-key-1 --key-format hex)
-
-BODY_OPTIONS=(--keyid test-shared-secret --cover @method,@authority,@path,content-digest,content-type
-    --parameters created,keyid,alg --at 1618884473)
+    succeeds vorl http sign -k known-key --key-format $format "${profile[@]}" "$message" -o signed
+    equals "$(head_of signed)" "$(head_of "$message")${digest:+$'\n'Content-Digest: $digest}
+Signature-Input: $label=${input#*: }
+Signature: $signature"
+    vorl http base --raw --label "$label" signed >shown
+    cmp shown known-base
+    vorl http base --raw "${profile[@]}" "$message" >shown
+    cmp shown known-base
+    succeeds vorl http verify -k known-key --key-format $format "${profile[@]}" signed
+    equals "$output" "the signature holds"
+    equals "$(openssl dgst -sha256 -mac HMAC -macopt "hexkey:$key_digits" -binary known-base | base64_text)" "$code"
+}
 
 signs() {
     [ "$VORL_SIGNS_HTTP" = 1 ] || skip "built without the signer"
@@ -65,48 +98,22 @@ DOES_NOT_HOLD=("the signature does not hold" "'vorl http base' shows what it has
 
 @test "a signature of RFC 9421 is made, shown and verified" {
     signs
-    succeeds vorl http sign "${SHARED_SECRET[@]}" "${RFC9421_OPTIONS[@]}" rfc9421 -o signed
-    equals "$(head_of signed)" "$(head_of rfc9421)
-Signature-Input: sig-b25=(\"date\" \"@authority\" \"content-type\");created=1618884473;keyid=\"test-shared-secret\"
-Signature: sig-b25=:pxcQw6G3AjtMBQjwo8XzkZf/bws5LelbaMk5rGIGtE8=:"
-    printf '%s' '"date": Tue, 20 Apr 2021 02:07:55 GMT
-"@authority": example.com
-"content-type": application/json
-"@signature-params": ("date" "@authority" "content-type");created=1618884473;keyid="test-shared-secret"' >expected
-    equals "$(stat -c %s expected)" 200
-    vorl http base --raw --label sig-b25 signed >shown
-    cmp shown expected
-    vorl http base --raw "${RFC9421_OPTIONS[@]}" rfc9421 >shown
-    cmp shown expected
-    succeeds vorl http verify "${SHARED_SECRET[@]}" "${RFC9421_OPTIONS[@]}" signed
-    equals "$output" "the signature holds"
+    is_signed_as Rfc9421B25 rfc9421
+    equals "$(stat -c %s known-base)" 200
 }
 
 @test "a signature for another port is made, shown and verified" {
     signs
-    succeeds vorl http sign "${SHARED_KEY_1[@]}" "${PORT_OPTIONS[@]}" with-port -o signed
-    contains "$(head_of signed)" $'\n''Signature: vorl=:jvajJheXE4H/TqWfAn8m0d0Rx0XWYKADN/1P0qn+FLw=:'
-    succeeds vorl http base signed
-    equals "$output" '"@method": GET
-"@authority": example.com:7000
-"@path": /5002/resource
-"@signature-params": ("@method" "@authority" "@path");created=0;keyid="shared-key-1";alg="hmac-sha256"'
-    succeeds vorl http verify "${SHARED_KEY_1[@]}" "${PORT_OPTIONS[@]}" signed
+    is_signed_as AuthorityWithAPort with-port
 }
 
 @test "a signature over a digest of the body is made, shown and verified" {
     signs
-    succeeds vorl http sign "${SHARED_SECRET[@]}" "${BODY_OPTIONS[@]}" with-body -o signed
-    contains "$(head_of signed)" $'\n''Content-Digest: sha-256=:X48E9qOokqqrvdts8nOJRJN3OWDUoyWxBf7kbu9DBPE=:'
-    contains "$(head_of signed)" $'\n''Signature: vorl=:LGBSsPkz9Ku3eThYqwoz1qigyzpeNDbHj5OyaVjkxQA=:'
-    succeeds vorl http base signed
-    equals "$output" '"@method": POST
-"@authority": example.com
-"@path": /foo
-"content-digest": sha-256=:X48E9qOokqqrvdts8nOJRJN3OWDUoyWxBf7kbu9DBPE=:
-"content-type": application/json
-"@signature-params": ("@method" "@authority" "@path" "content-digest" "content-type");created=1618884473;keyid="test-shared-secret";alg="hmac-sha256"'
-    succeeds vorl http verify "${SHARED_SECRET[@]}" "${BODY_OPTIONS[@]}" signed
+    is_signed_as BodyWithADigest with-body
+}
+
+@test "each known signature has its test" {
+    equals "$(sed -n 's/^Name = //p' "$VECTORS" | sort)" "$(sed -n 's/^ *is_signed_as \([^ ]*\) .*/\1/p' "$BATS_TEST_FILENAME" | sort)"
 }
 
 @test "the signature is OpenSSL's HMAC of the base" {
@@ -274,7 +281,17 @@ Signature: sig-b25=:pxcQw6G3AjtMBQjwo8XzkZf/bws5LelbaMk5rGIGtE8=:"
         device_signs --cover '@method;req' with-port
     sed 's/^Host:.*/Host: a:b/' with-port >port
     refuses 3 "'port' cannot be signed so: the request's URI is no absolute one of http or https" "" device_signs port
-    equals "$(left_behind . key shared-secret shared-key-1 rfc9421 with-port with-body response port)" ""
+    equals "$(left_behind . key rfc9421 with-port with-body response port)" ""
+}
+
+@test "a message with more fields than are verified is not signed" {
+    signs
+    { printf '%s\n' 'GET / HTTP/1.1' 'Host: a' && printf 'X: %08192d\n\n' 0; } >long
+    run --separate-stderr device_signs long
+    equals "$status" 3
+    # shellcheck disable=SC2154
+    [[ "$stderr" == "vorl: error: 'long' cannot be signed so: the signed message has "8???" bytes of fields, 8192 are verified at the most" ]]
+    equals "$output" ""
 }
 
 @test "the base of a message that lost what was signed is refused by its component" {
@@ -299,6 +316,10 @@ Signature: sig-b25=:pxcQw6G3AjtMBQjwo8XzkZf/bws5LelbaMk5rGIGtE8=:"
     refuses 2 "a component stands twice" "$hint" device_signs --cover date,date with-body
     refuses 2 "the signature's label or tag cannot be written" "$hint" device_signs --label Vorl with-body
     refuses 2 "signature parameter created stands twice" "$hint" device_signs --parameters created,keyid,created with-body
+    refuses 2 "a signature cannot cover the field signature that it becomes a part of" "$hint" device_signs --cover signature with-body
+    local seventeen
+    seventeen=$(printf 'x-%s,' {1..17})
+    refuses 2 "17 components are too many, 16 are verified at the most" "$hint" device_signs --cover "${seventeen%,}" with-body
 }
 
 @test "options are read strictly" {
@@ -318,6 +339,20 @@ Signature: sig-b25=:pxcQw6G3AjtMBQjwo8XzkZf/bws5LelbaMk5rGIGtE8=:"
     signs
     refuses 3 "'with-body' cannot be signed so: the signature's time cannot be written" "" \
         vorl http sign -k key --key-format hex --keyid device --at 1000000000000000 with-body
+}
+
+@test "an empty key signs nothing and verifies nothing" {
+    signs
+    device_signs with-body >signed
+    for format in raw hex base64; do
+        refuses 3 "'/dev/null': the key is empty" "" vorl http sign -k /dev/null --key-format $format --keyid a with-body
+        refuses 3 "'/dev/null': the key is empty" "" vorl http verify -k /dev/null --key-format $format signed
+    done
+    refuses 3 "'/dev/null': the key is empty" "" vorl http verify -k /dev/null signed
+    echo >blank
+    refuses 3 "'blank': the key is empty" "" vorl http verify -k blank --key-format hex signed
+    refuses 3 "'/dev/null': the key has 0 bytes, 16 are needed" "" \
+        vorl http sign -k /dev/null --context-key --keyid a with-body
 }
 
 @test "a key and its name are needed" {

@@ -4,19 +4,34 @@
 #include "require.h"
 
 #include "explain/records.h"
+#include "vorl/DiffieHellmanParams.h"
 #include "vorl/VORLLib.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace vorl::fuzz {
+
+// RFC 2409, section 6.2.
+const char GROUP[] = R"(-----BEGIN DH PARAMETERS-----
+MIGHAoGBAP//////////yQ/aoiFowjTExmKLgNwc0SkCTgiKZ8x0Agu+pjsTmyJR
+Sgh5jjQE3e+VGbPNOkMbMCsKbfJfFDdP4TVtbVHCReSFtXZiXn7G9ExC6aY37WsL
+/1y29Aa37e44a/taiZ+lrp8kEXxLH+ZJKGZR7OZTgf//////////AgEC
+-----END DH PARAMETERS-----
+)";
+
+const DiffieHellmanParams& group() {
+    static const DiffieHellmanParams params{std::string(GROUP)};
+    return params;
+}
 
 tool::Explanation explained(unsigned int choice, const bytes& record) {
     const tool::Explained input = {record, record, std::nullopt};
     switch (choice % 8) {
         case 0:
-            return explainDhRecord(input);
+            return explainDhRecord(input, (choice & 8U) == 0 ? nullptr : &group());
         case 1:
             return explainSignature(input);
         default:
@@ -37,7 +52,7 @@ void explainAnything(unsigned int choice, const bytes& record) {
         std::count_if(explanation.steps.begin(), explanation.steps.end(),
                       [](const tool::Step& step) { return step.outcome == tool::Outcome::REFUSES; });
     require(refusals == (explanation.refusing() == nullptr ? 0 : 1), "one check refuses at the most");
-    require(refusals == 0 || *explanation.refusing()->offset <= record.size(),
+    require(refusals == 0 || explanation.refusing()->offset.value() <= record.size(),
             "a refusal is within the record");
 }
 

@@ -2,6 +2,8 @@
 # vorl explain: which check refuses a record, where, and why. Envelopes come from OpenSSL's own command.
 
 load support
+load dh_support
+load pki_support
 
 # checks: how each of them went, in one line of words, from what explain has written.
 checks() {
@@ -38,6 +40,7 @@ refused() {
     full_envelope <note >letter
     succeeds vorl explain -k key letter
     equals "$(checks)" "11 passes"
+    contains "$output" $'\n\nAll checks pass, but an envelope carries no signature: anybody who has the key can have made it, and a damaged one may open all the same.'
     echo "$WRONG_KEY_HEX" >wrong
     refused 4 "'letter', at offset 18: wrong key or damaged data" vorl explain -k wrong letter
     equals "$(checks)" "10 passes,1 REFUSES"
@@ -78,6 +81,7 @@ refused() {
     octets 0003616263 >letter
     succeeds vorl explain --accept none --level none letter
     equals "$(checks)" "11 passes"
+    contains "$output" $'\n\nAll checks pass, but an envelope of the level none is not protected: anybody can have made it.'
 }
 
 @test "the library's order decides which of several faults is told" {
@@ -121,6 +125,80 @@ refused() {
     { octets 00000002 && bytes_of 120; } >truncated
     refused 3 "'truncated', at offset 124: it ends here, with 124 bytes" vorl explain truncated
     contains "$output" "the library says: DH PubKey length (124) out of range"
+}
+
+@test "with the group, its size and the number are judged" {
+    { octets 000000028080 && bytes_of 128; } | base64_text >peer
+    succeeds vorl explain -p "$GROUP" peer
+    equals "$(checks)" "7 passes"
+    equals "$(tail -n 2 <<<"$output")" $'\nAll checks pass, but a record carries no signature, so that something else has to prove who made it.'
+    openssl dhparam -outform DER -out group 512 2>/dev/null
+    refused 3 "'peer': the group has 512 bits, and a secret is agreed in one of 1024" vorl explain --params group peer
+    contains "$output" "the library says: DH shared secret size (64) != 128"
+    equals "$(checks)" "5 passes,1 REFUSES,1 not reached"
+    refuses 3 "'note' holds no Diffie-Hellman parameters: it is neither PEM text nor DER nor the encoding of a group" "" \
+        vorl explain -p note peer
+    refuses 2 "standard input cannot be both the record and the group" "name a file for one of them" vorl explain -p - - <peer
+}
+
+@test "a number that fixes the secret does not end looking fine" {
+    local fixed=": OpenSSL computes nothing with it, and the library gives out 128 zero bytes as the secret, which anybody knows"
+    for number in 0 1; do
+        peer_text "$number" >peer
+        refused 4 "'peer', at offset 4: it is $number$fixed" vorl explain peer
+        equals "$(checks)" "5 passes,1 needs the group,1 WARNS"
+    done
+    equals "$(tail -n 2 <<<"$output")" $'\nThe library refuses nothing here, and no keys should be derived all the same.'
+    local last
+    last=$(prime)
+    peer_text "${last%f}e" >peer
+    refused 4 "'peer', at offset 4: it is the prime less 1$fixed" vorl explain -p "$GROUP" peer
+    equals "$(checks)" "6 passes,1 WARNS"
+    run --separate-stderr vorl explain --json -p "$GROUP" peer
+    equals "$(members outcome)" '"passes","passes","passes","passes","passes","passes","warns"'
+    equals "$(members offset)" 'null,null,null,null,null,null,4'
+    # Whose record that is, it takes the group to see.
+    succeeds vorl explain peer
+    equals "$(checks)" "5 passes,2 needs the group"
+    contains "$output" $'\nNo check that was made refuses it, which does not make it valid: others were not made, and\n'
+}
+
+@test "with the key and what was signed, a signature is verified" {
+    rsa_key signer
+    rsa_key other 2048
+    certificate service signer
+    openssl dgst -sha1 -sign signer.pem -out value note
+    { octets 018080 && cat value; } | base64_text >record
+    succeeds vorl explain --public-key signer.pub --signed note record
+    equals "$(checks)" "6 passes"
+    contains "$output" $'\n\nAll checks pass, but whose key that is, they do not say.'
+    succeeds vorl explain --cert service.crt --signed - record <note
+    equals "$(checks)" "6 passes"
+    succeeds vorl explain --cert service.crt record
+    equals "$(checks)" "5 passes,1 needs the input"
+    succeeds vorl explain --signed note record
+    equals "$(checks)" "4 passes,2 needs the public key"
+    refused 1 "'record', at offset 1: the key has not made it over this input" \
+        vorl explain --public-key signer.pub --signed key record
+    equals "$(checks)" "5 passes,1 REFUSES"
+    refused 1 "'record', at offset 1: it has 128 bytes, and the modulus 256 bytes" \
+        vorl explain --public-key other.pub --signed note record
+    equals "$(checks)" "4 passes,1 REFUSES,1 not reached"
+    run ! grep -q 'the library says' <<<"$output"
+    run -2 vorl explain --public-key signer.pub --cert service.crt record
+}
+
+@test "a record is judged with nothing that is for another kind" {
+    bytes_of 128 >bare
+    rsa_key signer
+    certificate service signer
+    refuses 2 "'note' is no Diffie-Hellman record, and takes no group" "leave the group out" vorl explain -p "$GROUP" note
+    refuses 2 "'bare' is no signature record, and takes no public key" "leave the public key out" \
+        vorl explain --public-key signer.pub bare
+    refuses 2 "'bare' is no signature record, and takes no certificate" "leave the certificate out" \
+        vorl explain --cert service.crt bare
+    refuses 2 "'bare' is no signature record, and takes no signed input" "leave the signed input out" \
+        vorl explain --signed note bare
 }
 
 @test "--as says what a record is" {

@@ -2,11 +2,17 @@
 
 #include "LibraryState.h"
 #include "block_encoder.h"
+#include "dh_record.h"
 #include "octets.h"
 #include "raw_cipher.h"
+#include "raw_keys.h"
+#include "raw_signature.h"
 
 #include "inspect/base64_text.h"
 #include "shared/SecretBytes.h"
+#include "vorl/DiffieHellmanParams.h"
+#include "vorl/PKSignatureProcessor.h"
+#include "vorl/PubKey.h"
 #include "vorl/VORLLib.h"
 
 namespace vorl::test {
@@ -32,7 +38,8 @@ const Level& levelCalled(const std::string& name) {
     throw std::invalid_argument(name);
 }
 
-// "policy 0 the level none is not accepted", or what is needed: "needs the key".
+// "policy 0 the level none is not accepted", with "warns" in front where it only does, or what is needed:
+// "needs the key".
 std::string summary(const Explanation& explanation) {
     EXPECT_TRUE(explanation.agreesWithLibrary);
     std::string needs;
@@ -43,7 +50,9 @@ std::string summary(const Explanation& explanation) {
             EXPECT_EQ(step.outcome, Outcome::NOT_REACHED) << step.name;
         } else if (step.outcome == Outcome::REFUSES) {
             hasRefused = true;
-            text = step.name + " " + std::to_string(*step.offset) + " " + step.reason;
+            text = step.name + " " + (step.offset ? std::to_string(*step.offset) + " " : "") + step.reason;
+        } else if (step.outcome == Outcome::WARNS) {
+            text = "warns: " + step.name + " " + std::to_string(*step.offset) + " " + step.reason;
         } else if (step.outcome == Outcome::NEEDS) {
             text = "needs " + step.needed;
         } else {
@@ -191,17 +200,32 @@ protected:
     static Explanation explain(const bytes& record) {
         return tool::explainDhRecord({record, record, std::nullopt});
     }
+    static Explanation explainIn(const Group& group, const bytes& record) {
+        const DiffieHellmanParams params(rawDh(group));
+        return tool::explainDhRecord({record, record, std::nullopt}, &params);
+    }
 };
 
-bytes dhRecord(std::size_t keyBytes) {
-    return fromHex("00000002") + block(octets(keyBytes));
+bytes recordWith(std::size_t keyBytes) {
+    return dhRecord(octets(keyBytes));
+}
+
+bytes recordOf(const Number& number) {
+    return dhRecord(paddedTo(129, bytesOf(number)));
+}
+
+std::string fixes(const std::string& what) {
+    return "warns: number 4 " + what +
+           ": OpenSSL computes nothing with it, and the library gives out 128 zero bytes as the secret, "
+           "which "
+           "anybody knows";
 }
 
 }  // namespace
 
 TEST_F(ExplainDhRecord, OfAWholeRecordOnlyTheGroupIsOpen) {
     for (const std::size_t size : {128U, 129U}) {
-        EXPECT_EQ(summary(explain(dhRecord(size))), "needs the group") << size;
+        EXPECT_EQ(summary(explain(recordWith(size))), "needs the group") << size;
         EXPECT_EQ(summary(explain(octets(size))), "needs the group") << size;
     }
 }
@@ -220,17 +244,60 @@ TEST_F(ExplainDhRecord, AnUnknownVersionIsRefused) {
 }
 
 TEST_F(ExplainDhRecord, AKeyThatIsCutShortIsRefusedWhereItBegins) {
-    const Explanation explanation = explain(slice(dhRecord(128), 0, 133));
+    const Explanation explanation = explain(slice(recordWith(128), 0, 133));
     EXPECT_EQ(summary(explanation), "key 6 the key is cut short: 128 bytes announced, 127 there");
     EXPECT_EQ(libraryText(explanation), "Unable to read 128 bytes from buffer, only 127 available");
 }
 
 TEST_F(ExplainDhRecord, AKeyOfAnotherSizeIsRefusedByTheAgreement) {
-    const Explanation shortKey = explain(dhRecord(119) + octets(8));
+    const Explanation shortKey = explain(recordWith(119) + octets(8));
     EXPECT_EQ(summary(shortKey), "key-length 4 it has 119 bytes");
     EXPECT_EQ(libraryText(shortKey), "DH public key from server is 119bytes, expected 120-129");
-    EXPECT_EQ(summary(explain(dhRecord(120) + octets(8))), "needs the group");
-    EXPECT_EQ(summary(explain(dhRecord(130))), "key-length 4 it has 130 bytes");
+    EXPECT_EQ(summary(explain(recordWith(120) + octets(8))), "needs the group");
+    EXPECT_EQ(summary(explain(recordWith(130))), "key-length 4 it has 130 bytes");
+}
+
+TEST_F(ExplainDhRecord, WithTheGroupNothingIsOpen) {
+    const Number honest = RFC_2409_GROUP.raise(numberOf(1234567).get());
+    EXPECT_EQ(summary(explainIn(RFC_2409_GROUP, recordOf(honest))), "passes");
+    EXPECT_EQ(summary(explainIn(RFC_2409_GROUP, paddedTo(128, bytesOf(honest)))), "passes");
+    EXPECT_EQ(summary(explainIn(RFC_2409_GROUP, recordOf(minus(RFC_2409_GROUP.p().get(), 2)))), "passes");
+}
+
+TEST_F(ExplainDhRecord, AGroupOfAnotherSizeIsRefusedAndNoFaultOfTheRecord) {
+    const Explanation small = explainIn(GROUP_512_2, recordWith(128));
+    EXPECT_EQ(summary(small), "group the group has 512 bits, and a secret is agreed in one of 1024");
+    EXPECT_EQ(libraryText(small), "DH shared secret size (64) != 128");
+    EXPECT_EQ(small.refusing()->refusal, ExitStatus::BAD_INPUT);
+    const Explanation large = explainIn(RFC_3526_GROUP_14, recordWith(128));
+    EXPECT_EQ(summary(large), "group the group has 2048 bits, and a secret is agreed in one of 1024");
+    EXPECT_EQ(libraryText(large), "DH shared secret size (256) != 128");
+}
+
+TEST_F(ExplainDhRecord, TheRecordIsLookedAtBeforeTheGroup) {
+    EXPECT_EQ(summary(explainIn(GROUP_512_2, recordWith(119) + octets(8))), "key-length 4 it has 119 bytes");
+}
+
+TEST_F(ExplainDhRecord, NumbersThatFixTheSecretAreWarnedOf) {
+    const Number p = RFC_2409_GROUP.p();
+    EXPECT_EQ(summary(explainIn(RFC_2409_GROUP, recordOf(numberOf(0)))), fixes("it is 0"));
+    EXPECT_EQ(summary(explainIn(RFC_2409_GROUP, recordOf(numberOf(1)))), fixes("it is 1"));
+    EXPECT_EQ(summary(explainIn(RFC_2409_GROUP, recordOf(minus(p.get(), 1)))),
+              fixes("it is the prime less 1"));
+    EXPECT_EQ(summary(explainIn(RFC_2409_GROUP, recordOf(p))), fixes("it is the prime"));
+    EXPECT_EQ(summary(explainIn(RFC_2409_GROUP, recordOf(plus(p.get(), 1)))), fixes("it is the prime and 1"));
+    const Number twice = plus(p.get(), 0);
+    ASSERT_EQ(BN_lshift1(twice.get(), twice.get()), 1);
+    EXPECT_EQ(summary(explainIn(RFC_2409_GROUP, recordOf(twice))), fixes("it has no place in the group"));
+    EXPECT_EQ(explain(recordOf(numberOf(0))).first(Outcome::WARNS)->refusal, ExitStatus::CANNOT_OPEN);
+}
+
+TEST_F(ExplainDhRecord, TheNumbersZeroAndOneAreWarnedOfWithoutAGroup) {
+    EXPECT_EQ(summary(explain(recordOf(numberOf(0)))), fixes("it is 0"));
+    EXPECT_EQ(summary(explain(recordOf(numberOf(1)))), fixes("it is 1"));
+    EXPECT_EQ(explain(bytes(128)).first(Outcome::WARNS)->offset, 0U);
+    EXPECT_EQ(summary(explain(recordOf(numberOf(2)))), "needs the group");
+    EXPECT_EQ(summary(explain(recordOf(minus(RFC_2409_GROUP.p().get(), 1)))), "needs the group");
 }
 
 TEST_F(ExplainDhRecord, ATextThatIsNotBase64IsRefusedFirst) {
@@ -244,12 +311,58 @@ namespace {
 
 class ExplainSignature : public StartedLibrary {
 protected:
-    static Explanation explain(const bytes& record) {
-        return tool::explainSignature({record, record, std::nullopt});
+    static Explanation explain(const bytes& record, const tool::Verification& verification = {}) {
+        return tool::explainSignature({record, record, std::nullopt}, verification);
+    }
+    static std::shared_ptr<const PubKey> publicKey(const RawKey& key) {
+        return std::make_shared<const PubKey>(key.get());
+    }
+    static std::shared_ptr<PKSignatureProcessor> given(const bytes& input) {
+        auto processor = PKSignatureProcessor::create();
+        processor->update(input);
+        return processor;
+    }
+    static bytes signatureOver(const bytes& input) {
+        return fromHex("01") + block(rawRsaSign(rsa1024(), EVP_sha1(), input));
     }
 };
 
+const bytes SIGNED = fromText("what was signed");
+
 }  // namespace
+
+TEST_F(ExplainSignature, WithKeyAndInputItIsVerified) {
+    EXPECT_EQ(summary(explain(signatureOver(SIGNED), {publicKey(rsa1024()), given(SIGNED)})), "passes");
+}
+
+TEST_F(ExplainSignature, ASignatureOfAnotherKeyOrOverAnotherInputIsRefused) {
+    const std::string refusal = "match 1 the key has not made it over this input";
+    const Explanation other = explain(signatureOver(SIGNED), {publicKey(otherRsa1024()), given(SIGNED)});
+    EXPECT_EQ(summary(other), refusal);
+    EXPECT_EQ(libraryText(other), "");
+    EXPECT_EQ(other.refusing()->refusal, ExitStatus::REFUSED);
+    EXPECT_EQ(summary(explain(signatureOver(SIGNED), {publicKey(rsa1024()), given(fromText("else"))})),
+              refusal);
+}
+
+TEST_F(ExplainSignature, AValueOfAnotherLengthThanTheModulusIsRefusedWithoutTheInput) {
+    const std::string refusal = "value-length 1 it has 128 bytes, and the modulus 256 bytes";
+    EXPECT_EQ(summary(explain(signatureOver(SIGNED), {publicKey(rsa2048()), nullptr})), refusal);
+    EXPECT_EQ(summary(explain(signatureOver(SIGNED), {publicKey(rsa2048()), given(SIGNED)})), refusal);
+    EXPECT_EQ(summary(explain(fromHex("0100"), {publicKey(rsa1024()), given(SIGNED)})),
+              "value-length 1 it has 0 bytes, and the modulus 128 bytes");
+}
+
+TEST_F(ExplainSignature, WhatIsNotThereIsNeeded) {
+    EXPECT_EQ(summary(explain(signatureOver(SIGNED), {publicKey(rsa1024()), nullptr})), "needs the input");
+    EXPECT_EQ(summary(explain(signatureOver(SIGNED), {nullptr, given(SIGNED)})), "needs the public key");
+}
+
+TEST_F(ExplainSignature, TheFormIsLookedAtBeforeTheKey) {
+    EXPECT_EQ(
+        summary(explain(signatureOver(SIGNED) + fromHex("00"), {publicKey(rsa1024()), given(SIGNED)})),
+        "end 131 1 more byte follows; the library does not look at them, and 'vorl verify' refuses them");
+}
 
 TEST_F(ExplainSignature, OfAWholeRecordOnlyTheKeyIsOpen) {
     EXPECT_EQ(summary(explain(fromHex("01") + block(octets(128)))), "needs the public key and the input");

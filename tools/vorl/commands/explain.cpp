@@ -6,15 +6,20 @@
 #include "shared/KeyFile.h"
 #include "shared/ToolError.h"
 #include "shared/accepted_levels.h"
+#include "shared/dh_files.h"
 #include "shared/explanation_text.h"
 #include "shared/input.h"
 #include "shared/message_options.h"
 #include "shared/messages.h"
 #include "shared/output.h"
 #include "shared/report_text.h"
+#include "shared/signature_keys.h"
 #include "shared/start_up.h"
 #include "shared/terminal.h"
 #include "vorl/CipherSpec.h"
+#include "vorl/PKSignatureProcessor.h"
+#include "vorl/PubKey.h"
+#include "vorl/X509Cert.h"
 
 #include <memory>
 
@@ -27,6 +32,10 @@ struct ExplainOptions {
     std::string accept = "full";
     std::string level = "full";
     std::string kind;
+    std::optional<std::string> params;
+    std::optional<std::string> publicKey;
+    std::optional<std::string> certificate;
+    std::optional<std::string> signedInput;
     std::string input = "-";
     bool isJson = false;
 };
@@ -55,6 +64,44 @@ std::optional<Problem> textFault(const Report& report) {
     return report.recordBytes == 0 ? report.problem : std::nullopt;
 }
 
+void checkStreams(const ExplainOptions& options) {
+    std::vector<NamedInput> inputs = {{"record", options.input}};
+    const auto add = [&inputs](const std::string& what, const std::optional<std::string>& path) {
+        if (path) {
+            inputs.push_back({what, *path});
+        }
+    };
+    add("group", options.params);
+    add("public key", options.publicKey);
+    add("certificate", options.certificate);
+    add("signed input", options.signedInput);
+    refuseSharedStreams(inputs);
+}
+
+std::shared_ptr<const PubKey> publicKeyIn(const ExplainOptions& options) {
+    if (options.publicKey) {
+        return loadPublicKey(*options.publicKey);
+    }
+    return options.certificate ? publicKeyOf(*loadCertificate(*options.certificate), *options.certificate)
+                               : nullptr;
+}
+
+std::shared_ptr<PKSignatureProcessor> processorOf(const std::string& path) {
+    auto processor = PKSignatureProcessor::create();
+    readInPieces(path, [&processor](const bytes& piece) { processor->update(piece); });
+    return processor;
+}
+
+// What one kind of record is judged with, and another has no use for.
+void refuseUseless(bool isGiven, const ExplainOptions& options, const std::string& kind,
+                   const std::string& what) {
+    if (isGiven) {
+        throw ToolError(ExitStatus::USAGE,
+                        inputName(options.input) + " is no " + kind + ", and takes no " + what,
+                        "leave the " + what + " out");
+    }
+}
+
 class Explaining {
 public:
     explicit Explaining(const ExplainOptions& options)
@@ -66,10 +113,12 @@ public:
           report_(inspectBytes(input_, Secrets::HIDDEN, options.kind)),
           kind_(kindOf(report_, options)),
           record_(report_.isBase64 ? decodeBase64Text(input_).data : input_) {
-        if (kind_ != "envelope" && options.key.isGiven()) {
-            throw ToolError(ExitStatus::USAGE, inputName(options.input) + " is no envelope, and takes no key",
-                            "leave the key out");
-        }
+        refuseUseless(kind_ != "envelope" && options.key.isGiven(), options, "envelope", "key");
+        refuseUseless(kind_ != "dh-record" && options.params, options, "Diffie-Hellman record", "group");
+        const bool isSignature = kind_ == "signature";
+        refuseUseless(!isSignature && options.publicKey, options, "signature record", "public key");
+        refuseUseless(!isSignature && options.certificate, options, "signature record", "certificate");
+        refuseUseless(!isSignature && options.signedInput, options, "signature record", "signed input");
     }
 
     ExitStatus run() {
@@ -80,22 +129,31 @@ public:
                             "please report this, with the input if it is no secret");
         }
         const Step* const refusing = explanation.refusing();
-        if (refusing == nullptr) {
+        const Step* const decisive = refusing != nullptr ? refusing : explanation.first(Outcome::WARNS);
+        if (decisive == nullptr) {
             return ExitStatus::SUCCESS;
         }
-        sayError(inputName(options_.input) + ", at " + (textFault(report_) ? "character " : "offset ") +
-                 std::to_string(*refusing->offset) + ": " + refusing->reason);
-        return refusing->refusal;
+        sayError(inputName(options_.input) + place(*decisive) + ": " + decisive->reason);
+        return decisive->refusal;
     }
 
 private:
+    std::string place(const Step& step) const {
+        return step.offset
+                   ? (textFault(report_) ? ", at character " : ", at offset ") + std::to_string(*step.offset)
+                   : "";
+    }
+
     Explanation explain() const {
         const Explained explained = {record_, input_, textFault(report_)};
         if (kind_ == "dh-record") {
-            return explainDhRecord(explained);
+            const auto group = options_.params ? loadGroup(*options_.params) : nullptr;
+            return explainDhRecord(explained, group.get());
         }
         if (kind_ == "signature") {
-            return explainSignature(explained);
+            return explainSignature(
+                explained,
+                {publicKeyIn(options_), options_.signedInput ? processorOf(*options_.signedInput) : nullptr});
         }
         // Not before the input was inspected, which takes a policy that accepts all levels.
         setPolicy(accepted_);
@@ -131,6 +189,7 @@ private:
 };
 
 ExitStatus explain(const ExplainOptions& options) {
+    checkStreams(options);
     startLibrary();
     return Explaining(options).run();
 }
@@ -145,6 +204,20 @@ Run declareExplain(CommandOptions& command) {
         .value("--level", "LEVEL", options->level,
                "Level of the context that receives it: full (the default), test or none")
         .oneOf(levelNames());
+    command.value(
+        "-p,--params", "FILE", options->params,
+        "Diffie-Hellman parameters of the group that a record is for: PEM text, DER or the library's "
+        "own encoding");
+    const Option publicKey =
+        command.value("--public-key", "FILE", options->publicKey,
+                      "File that holds the public key that a signature is verified with, as PEM text");
+    command
+        .value(
+            "--cert", "FILE", options->certificate,
+            "File that holds a certificate for that key, as PEM or Base64 text or DER; neither its time nor "
+            "its chain of trust is judged")
+        .excludes(publicKey);
+    command.value("--signed", "FILE", options->signedInput, "What was signed");
     command
         .value("--as", "KIND", options->kind,
                "What the input is, if it does not show: envelope, dh-record, signature")

@@ -10,7 +10,7 @@ _vorl_describe() { # COMMAND
         "vorl unprotect") options="-k --key --key-fd --key-format --accept --raw -o --output" operands=files ;;
         "vorl inspect") options="--json --as --show-secrets" operands=files ;;
         "vorl explain")
-            options="-k --key --key-fd --key-format --accept --level --as --json" operands=files
+            options="-k --key --key-fd --key-format --accept --level -p --params --public-key --cert --signed --as --json" operands=files
             ;;
         "vorl digest") options="-a --algorithm" operands=files ;;
         "vorl hmac") options="-k --key --key-fd --key-format -a --algorithm --verify" operands=files ;;
@@ -62,7 +62,7 @@ _vorl_value() { # COMMAND OPTION
             words=files
             [[ $1 != "vorl vectors" ]] || words=folders
             ;;
-        -k | --key | -p | --params | -s | --signature | --cert | --own-keys | --request | --secret | --id-file | --enc-out | --hmac-out) words=files ;;
+        -k | --key | -p | --params | -s | --signature | --cert | --public-key | --signed | --own-keys | --request | --secret | --id-file | --enc-out | --hmac-out) words=files ;;
         --key-fd | --bits | --verify | --at | --keyid | --label | --tag | --cover) ;;
         *) return 1 ;;
     esac

@@ -104,6 +104,12 @@ for command in 'http base' 'http sign' 'http verify'
     complete -c vorl -n "__vorl_in $command" -l scheme -xa 'http https' -d 'What a target that is a path is a path of'
     complete -c vorl -n "__vorl_in $command" -l request -rF -d 'File that holds the request that a response answers'
 end
+for command in explain 'dh new'
+    complete -c vorl -n "__vorl_in $command" -s p -l params -rF -d 'Diffie-Hellman parameters'
+end
+for command in explain verify
+    complete -c vorl -n "__vorl_in $command" -l cert -rF -d 'File that holds a certificate for the key'
+end
 for command in 'http sign' 'http verify'
     complete -c vorl -n "__vorl_in $command" -l context-key -d 'The key is that of a message context'
 end
@@ -117,16 +123,16 @@ complete -c vorl -n '__vorl_in inspect' -l as -d 'What the input is' -xa \
     'dh-record dh-params certificate public-key private-key signature envelope dh-state'
 complete -c vorl -n '__vorl_in explain' -l accept -xa '(__vorl_list --accept full test none)' -d 'Levels that are accepted'
 complete -c vorl -n '__vorl_in explain' -l level -xa 'full test none' -d 'Level of the context'
+complete -c vorl -n '__vorl_in explain' -l public-key -rF -d 'File that holds the public key'
+complete -c vorl -n '__vorl_in explain' -l signed -rF -d 'What was signed'
 complete -c vorl -n '__vorl_in explain' -l as -xa 'envelope dh-record signature' -d 'What the input is'
 complete -c vorl -n '__vorl_in hmac' -l verify -x -d 'Compare the code with this one'
 complete -c vorl -n '__vorl_in dh params new' -l bits -x -d 'Size of the prime'
 complete -c vorl -n '__vorl_in dh params new' -l generator -xa '2 5' -d Generator
-complete -c vorl -n '__vorl_in dh new' -s p -l params -rF -d 'Diffie-Hellman parameters'
 complete -c vorl -n '__vorl_in keys derive' -l secret -rF -d 'File that holds a shared secret'
 complete -c vorl -n '__vorl_in keys derive' -l id-file -rF -d 'File that holds the identifier of a shopper or a device'
 complete -c vorl -n '__vorl_in keys derive' -l enc-out -rF -d 'File to write the encryption key to'
 complete -c vorl -n '__vorl_in keys derive' -l hmac-out -rF -d 'File to write the HMAC key to'
-complete -c vorl -n '__vorl_in verify' -l cert -rF -d 'File that holds a certificate for the key'
 complete -c vorl -n '__vorl_in verify' -s s -l signature -rF -d 'File that holds the signature record'
 complete -c vorl -n '__vorl_in verify' -l ignore-time -d 'Do not check the validity period of the certificate'
 complete -c vorl -n '__vorl_in vectors' -s o -l output -xa '(__fish_complete_directories)' -d 'Folder to write the files to'

@@ -150,6 +150,15 @@ public:
         }
     }
 
+    std::string caveat() const {
+        return level_ != nullptr && level_->spec().blockSize == 0
+                   ? "an envelope of the level " + level_->name +
+                         " is not protected: anybody can have made it"
+                   : "an envelope carries no signature: anybody who has the key can have made it, and a "
+                     "damaged "
+                     "one may open all the same";
+    }
+
     std::vector<Step> steps(const std::string& libraryText) const {
         // What the library says of the structure is not about what comes after it.
         return walk_.complete(walk_.passed() <= NOTHING_MORE ? libraryText : "");
@@ -250,10 +259,7 @@ Explanation explainEnvelope(const Explained& envelope, const Level& context, con
     if (agrees) {
         walk.open(envelope.record, key);
     }
-    return {
-        walk.steps(verdict.text), agrees,
-        "an envelope carries no signature: anybody who has the key can have made it, and a damaged one may "
-        "open all the same"};
+    return {walk.steps(verdict.text), agrees, walk.caveat()};
 }
 
 }  // namespace vorl::tool

@@ -117,7 +117,7 @@ Explanation explainSignature(const Explained& record, const Verification& verifi
         agrees = agrees && !(verified && walk.hasRefused());
         checkMatch(verified, verification, walk);
     }
-    return {walk.complete(text), agrees, "whose the key is, it does not say"};
+    return {walk.complete(text), agrees, "whose key that is, they do not say"};
 }
 
 }  // namespace vorl::tool

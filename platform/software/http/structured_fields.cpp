@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <set>
 
 // The grammar, as far as it is read:
 //
@@ -23,6 +24,10 @@ namespace {
 const int MAX_DIGITS = 15;
 const char QUOTE = '"';
 const char ESCAPE = '\\';
+
+// Those that were read so far. Strangers send fields with thousands of them, among which none is searched for
+// one by one.
+using Keys = std::set<std::string>;
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
@@ -184,10 +189,11 @@ std::optional<BareItem> Reader::readBareItem() {
 }
 
 bool Reader::readParameters(Parameters& parameters) {
+    Keys keys;
     while (skip(';')) {
         skipAll(" ");
         std::optional<std::string> key = readKey();
-        if (!key || find(parameters, *key) != nullptr) {
+        if (!key || !keys.insert(*key).second) {
             return false;
         }
         std::optional<BareItem> value(true);
@@ -286,10 +292,11 @@ auto findIn(const Pairs& pairs, const std::string& key) -> decltype(&pairs.begin
 std::optional<Dictionary> parseDictionary(const std::string& text) {
     Reader in(text);
     Dictionary dictionary;
+    Keys keys;
     in.skipAll(" ");
     while (!in.atEnd()) {
         std::optional<std::string> key = in.readKey();
-        if (!key || find(dictionary, *key) != nullptr) {
+        if (!key || !keys.insert(*key).second) {
             return std::nullopt;
         }
         std::optional<Member> member = in.readMember();

@@ -111,6 +111,24 @@ TEST(StructuredDictionary, AKeyAloneIsTrue) {
     EXPECT_EQ(std::get<Item>((*dictionary)[0].second).parameters.size(), 1U);
 }
 
+TEST(StructuredDictionary, AKeyIsKnownAgainAmongThousands) {
+    std::string members = "k0";
+    std::string parameters = "a;k0";
+    for (int i = 1; i < 2000; ++i) {
+        members += ",k" + std::to_string(i);
+        parameters += ";k" + std::to_string(i);
+    }
+    const auto dictionary = parseDictionary(members);
+    ASSERT_TRUE(dictionary);
+    EXPECT_EQ(dictionary->size(), 2000U);
+    EXPECT_EQ(dictionary->back().first, "k1999");
+    EXPECT_TRUE(parseDictionary(parameters));
+    for (const char* key : {"k0", "k1000", "k1999"}) {
+        EXPECT_FALSE(parseDictionary(members + "," + key)) << key;
+        EXPECT_FALSE(parseDictionary(parameters + ";" + key)) << key;
+    }
+}
+
 TEST_P(RefusedDictionary, IsNone) {
     EXPECT_FALSE(parseDictionary(GetParam().text)) << GetParam().text;
 }

@@ -1,6 +1,7 @@
 // The checks of a receiver on any record: nothing is thrown, at most one check refuses, and the library
 // refuses in the same place. The first byte says what the record is taken for, and who receives it.
 
+#include "dh_group.h"
 #include "require.h"
 
 #include "explain/records.h"
@@ -10,20 +11,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <string>
 
 namespace vorl::fuzz {
 
-// RFC 2409, section 6.2.
-const char GROUP[] = R"(-----BEGIN DH PARAMETERS-----
-MIGHAoGBAP//////////yQ/aoiFowjTExmKLgNwc0SkCTgiKZ8x0Agu+pjsTmyJR
-Sgh5jjQE3e+VGbPNOkMbMCsKbfJfFDdP4TVtbVHCReSFtXZiXn7G9ExC6aY37WsL
-/1y29Aa37e44a/taiZ+lrp8kEXxLH+ZJKGZR7OZTgf//////////AgEC
------END DH PARAMETERS-----
-)";
-
 const DiffieHellmanParams& group() {
-    static const DiffieHellmanParams params{std::string(GROUP)};
+    static const DiffieHellmanParams params(test::rawDh(test::RFC_2409_GROUP));
     return params;
 }
 

@@ -158,6 +158,14 @@ private:
     std::string answer_;
 };
 
+sigset_t signalsToEnd() {
+    sigset_t ends;
+    sigemptyset(&ends);
+    sigaddset(&ends, SIGTERM);
+    sigaddset(&ends, SIGINT);
+    return ends;
+}
+
 }  // namespace
 
 BoundedServer::BoundedServer() {
@@ -167,6 +175,11 @@ BoundedServer::BoundedServer() {
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     });
     set_payload_max_length(MOST_BODY_BYTES);
+}
+
+void BoundedServer::blockSignals() {
+    const sigset_t ends = signalsToEnd();
+    pthread_sigmask(SIG_BLOCK, &ends, nullptr);
 }
 
 int BoundedServer::bind(int port) {
@@ -179,16 +192,13 @@ int BoundedServer::bind(int port) {
 }
 
 void BoundedServer::serveUntilSignal() {
-    sigset_t ends;
-    sigemptyset(&ends);
-    sigaddset(&ends, SIGTERM);
-    sigaddset(&ends, SIGINT);
     auto listener = std::async(std::launch::async, [this] {
         const bool isStopped = listen_after_bind();
         kill(getpid(), SIGTERM);  // for the wait below, where it was not what ended us
         return isStopped;
     });
     int signal = 0;
+    const sigset_t ends = signalsToEnd();
     sigwait(&ends, &signal);
     // A server that has only begun to run cannot be stopped yet.
     while (!is_running() && listener.wait_for(LOOK_FOR_THE_END / 10) != std::future_status::ready) {

@@ -20,11 +20,15 @@ public:
 
     BoundedServer();
 
+    /// SIGTERM and SIGINT, for serveUntilSignal(); to be called before there are other threads, which take it
+    /// over.
+    static void blockSignals();
+
     /// The port, or 0 for one that the system chooses, which is returned. Throws std::runtime_error where it
     /// is not to be had.
     int bind(int port);
-    /// Answers requests until SIGTERM or SIGINT, which the caller has blocked in all threads; requests that
-    /// were read by then are answered.
+    /// Answers requests until one of the signals that blockSignals() has blocked; requests that were read by
+    /// then are answered.
     void serveUntilSignal();
 
     /// What speaks against reading the body of a request; nothing where there is nothing.

@@ -11,7 +11,6 @@
 #include <sys/socket.h>
 #include <tarvik/crypto/HttpRequestSigner.h>
 
-#include <csignal>
 #include <future>
 #include <thread>
 
@@ -161,11 +160,7 @@ public:
 };
 
 void checkLostPort() {
-    sigset_t ends;
-    sigemptyset(&ends);
-    sigaddset(&ends, SIGTERM);
-    sigaddset(&ends, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &ends, nullptr);
+    BoundedServer::blockSignals();
     LosingServer server;
     server.bind(0);
     server.losePort();

@@ -14,7 +14,6 @@
 #include <tarvik/crypto/HttpRequestSigner.h>
 
 #include <charconv>
-#include <csignal>
 #include <iostream>
 #include <memory>
 #include <mutex>
@@ -141,15 +140,6 @@ int portOf(const std::string& text) {
     return port;
 }
 
-// Before there are threads, which take it over.
-void blockSignals() {
-    sigset_t ends;
-    sigemptyset(&ends);
-    sigaddset(&ends, SIGTERM);
-    sigaddset(&ends, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &ends, nullptr);
-}
-
 }  // namespace
 
 }  // namespace example
@@ -162,7 +152,7 @@ int main(int argc, char** argv) {
     }
     try {
         example::startLibrary();
-        example::blockSignals();
+        example::BoundedServer::blockSignals();
         example::Service service(arguments[0]);
         example::BoundedServer server;
         service.answerAt(server);

@@ -70,8 +70,9 @@ public:
     /// there is one that has the SHA-256 of the body. Signatures that this operation has added before are
     /// replaced, so that a request can be sent again, and so is a digest of another body. Throws
     /// vorl::VORLException for what cannot be signed (the text names the component) and where the names and
-    /// values of all fields would be more than the 8192 bytes that are verified, and vorl::OpenSSLException
-    /// where vorl::Random is not initialised; the request is then as it was.
+    /// values of all fields would have more bytes than the 8192 that are verified; fields that are added on
+    /// the way count too. Throws vorl::OpenSSLException where vorl::Random is not initialised. The request is
+    /// then as it was.
     void sign(const std::string& keyid, tarvik::http::IHttpStream::Request& request) override;
     /// Whether the response carries one signature under the profile's label, by this key and keyid, in time
     /// and for the first time, over all that the profile covers, and the body is the one that was digested.

@@ -272,6 +272,9 @@ TEST_F(ExplainDhRecord, AGroupOfAnotherSizeIsRefusedAndNoFaultOfTheRecord) {
     const Explanation large = explainIn(RFC_3526_GROUP_14, recordWith(128));
     EXPECT_EQ(summary(large), "group the group has 2048 bits, and a secret is agreed in one of 1024");
     EXPECT_EQ(libraryText(large), "DH shared secret size (256) != 128");
+    const Explanation none = explainIn(Group{"0", 0}, recordWith(128));
+    EXPECT_EQ(summary(none), "group the group has 0 bits, and a secret is agreed in one of 1024");
+    EXPECT_EQ(libraryText(none), "DH shared secret size (0) != 128");
 }
 
 TEST_F(ExplainDhRecord, TheRecordIsLookedAtBeforeTheGroup) {

@@ -56,7 +56,9 @@ struct Answer {
 // any, have such a power. The generator and the public key do not matter.
 Answer askLibrary(const bytes& text, const bytes& prime) {
     Buffer pair;
-    for (const bytes& number : {prime, bytes{2}, bytes{2}, bytes{1, 0, 1}}) {
+    // A block of no bytes would not be written.
+    const bytes blockOfPrime = prime.empty() ? bytes{0} : prime;
+    for (const bytes& number : {blockOfPrime, bytes{2}, bytes{2}, bytes{1, 0, 1}}) {
         pair.put(OctetString(number));
     }
     try {

@@ -39,7 +39,6 @@ std::vector<Step> dhRecordSteps() {
 // Places in that list.
 const std::size_t BASE64 = 0;
 const std::size_t KEY = 3;
-const std::size_t KEY_LENGTH = 4;
 
 // Without a group: the library looks at all of the record before it finds that no secret comes of this one.
 const bytes SMALL_PRIME = {23};

@@ -111,6 +111,7 @@ TEST(CipherWrapper, VirtualOperationsKeepTheirSlots) {
     EXPECT_EQ(vtableSlot(&CipherWrapper::getCipherSpec), 5);
     // The destructor takes the slots 6 and 7.
     Slots::expectDoDecryptInSlot8();
+    EXPECT_EQ(vtableSlot(&WithOneMore<CipherWrapper>::oneMore), 9);
 }
 
 TEST(CipherWrapper, NamedObjectsAreMadeOnceWithTheirClasses) {

@@ -4,7 +4,10 @@
 #include "vorl/CipherAlgo.h"
 #include "vorl/CipherMode.h"
 #include "vorl/CipherSpec.h"
+#include "vorl/NullCipher.h"
 #include "vorl/PaddingType.h"
+#include "vorl/SoftwareKeyCipher.h"
+#include "vtable_slot.h"
 
 #include <gtest/gtest.h>
 
@@ -40,6 +43,12 @@ TEST(Cipher, IsAnAbstractCipherContext) {
     EXPECT_TRUE(std::is_abstract_v<Cipher>);
     EXPECT_TRUE((std::is_base_of_v<ICipherContext, Cipher>));
     EXPECT_TRUE(std::has_virtual_destructor_v<Cipher>);
+}
+
+TEST(Cipher, AddsNoVirtualOperation) {
+    EXPECT_EQ(vtableSlot(&WithOneMore<Cipher>::oneMore), 7);
+    EXPECT_EQ(vtableSlot(&WithOneMore<NullCipher>::oneMore), 7);
+    EXPECT_EQ(vtableSlot(&WithOneMore<SoftwareKeyCipher>::oneMore), 7);
 }
 
 TEST(Cipher, IdIsThatOfItsSpec) {

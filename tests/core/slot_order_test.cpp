@@ -1,12 +1,16 @@
 #include "vtable_slot.h"
 
 #include "vorl/ASN1BlockEncodable.h"
+#include "vorl/ASN1Exception.h"
 #include "vorl/ASN1Primitive.h"
 #include "vorl/FormatPrintable.h"
+#include "vorl/NullParamException.h"
 #include "vorl/OctetString.h"
+#include "vorl/OpenSSLException.h"
 #include "vorl/UInt16.h"
 #include "vorl/UInt32.h"
 #include "vorl/UInt8.h"
+#include "vorl/VORLException.h"
 
 #include <gtest/gtest.h>
 
@@ -43,6 +47,7 @@ static_assert(std::has_virtual_destructor_v<FormatPrintable>);
 TEST(SlotOrder, FormatPrintableHasItsTextsBeforeTheDestructor) {
     EXPECT_EQ(vtableSlot(&FormatPrintable::toFormatString), 0);
     EXPECT_EQ(vtableSlot(&FormatPrintable::toString), 1);
+    EXPECT_EQ(vtableSlot(&WithOneMore<FormatPrintable>::oneMore), 4);
 }
 
 TEST(SlotOrder, ASN1PrimitiveAddsItsCodingAfterTheDestructor) {
@@ -50,26 +55,29 @@ TEST(SlotOrder, ASN1PrimitiveAddsItsCodingAfterTheDestructor) {
     EXPECT_EQ(vtableSlot(&ASN1Primitive::toString), 1);
     EXPECT_EQ(vtableSlot(&ASN1Primitive::encode), 4);
     EXPECT_EQ(vtableSlot(&ASN1Primitive::decode), 5);
+    EXPECT_EQ(vtableSlot(&WithOneMore<ASN1Primitive>::oneMore), 6);
 }
 
+// `oneMore` is the slot of an operation that a derived class adds: the class itself has that many.
 template <typename Class>
-void expectTheSlotsOfAField() {
+void expectTheSlotsOfAField(int oneMore) {
     SCOPED_TRACE(typeid(Class).name());
     EXPECT_EQ(vtableSlot(&Class::toFormatString), 0);
     EXPECT_EQ(vtableSlot(&Class::toString), 1);
     EXPECT_EQ(vtableSlot(&Class::encode), 4);
     EXPECT_EQ(vtableSlot(&Class::decode), 5);
+    EXPECT_EQ(vtableSlot(&WithOneMore<Class>::oneMore), oneMore);
 }
 
 TEST(SlotOrder, OfTheFixedWidthFieldsIsThatOfTheBase) {
-    expectTheSlotsOfAField<UInt8>();
-    expectTheSlotsOfAField<UInt16>();
-    expectTheSlotsOfAField<UInt32>();
+    expectTheSlotsOfAField<UInt8>(6);
+    expectTheSlotsOfAField<UInt16>(6);
+    expectTheSlotsOfAField<UInt32>(6);
 }
 
 template <typename Class>
 void expectTheSlotsOfABlock() {
-    expectTheSlotsOfAField<Class>();
+    expectTheSlotsOfAField<Class>(12);
     SCOPED_TRACE(typeid(Class).name());
     EXPECT_EQ(vtableSlot(&Class::unitSize), 6);
     EXPECT_EQ(vtableSlot(&Class::unitLength), 7);
@@ -82,6 +90,14 @@ void expectTheSlotsOfABlock() {
 TEST(SlotOrder, OfBlocksGoesOnWithSizesNameAndContent) {
     expectTheSlotsOfABlock<ASN1BlockEncodable>();
     expectTheSlotsOfABlock<OctetString>();
+}
+
+TEST(SlotOrder, OfExceptionsIsThatOfTheStandards) {
+    const int destructorAndWhat = 3;
+    EXPECT_EQ(vtableSlot(&WithOneMore<VORLException>::oneMore), destructorAndWhat);
+    EXPECT_EQ(vtableSlot(&WithOneMore<NullParamException>::oneMore), destructorAndWhat);
+    EXPECT_EQ(vtableSlot(&WithOneMore<ASN1Exception>::oneMore), destructorAndWhat);
+    EXPECT_EQ(vtableSlot(&WithOneMore<OpenSSLException>::oneMore), destructorAndWhat);
 }
 
 // Of what its base implements, an octet string overrides the printing only.

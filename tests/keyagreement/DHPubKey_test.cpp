@@ -58,6 +58,7 @@ TEST(DHPubKey, IsAPrimitiveInTheOrderOfItsBase) {
     EXPECT_EQ(vtableSlot(&DHPubKey::toString), 1);
     EXPECT_EQ(vtableSlot(&DHPubKey::encode), 4);
     EXPECT_EQ(vtableSlot(&DHPubKey::decode), 5);
+    EXPECT_EQ(vtableSlot(&WithOneMore<DHPubKey>::oneMore), 6);
 }
 
 TEST(DHPubKey, IsMadeInVersion2) {

@@ -17,6 +17,7 @@ TEST(ICipherContext, VirtualOperationsKeepTheirSlots) {
     EXPECT_EQ(vtableSlot(&ICipherContext::decryptInit), 4);
     EXPECT_EQ(vtableSlot(&ICipherContext::update), 5);
     EXPECT_EQ(vtableSlot(&ICipherContext::final), 6);
+    EXPECT_EQ(vtableSlot(&WithOneMore<ICipherContext>::oneMore), 7);
 }
 
 TEST(ICipherContext, IsAnInterface) {

@@ -14,6 +14,7 @@ using tarvik::crypto::IRequestSigner;
 TEST(IRequestSigner, VirtualOperationsKeepTheirSlots) {
     EXPECT_EQ(vtableSlot(&IRequestSigner::sign), 2);
     EXPECT_EQ(vtableSlot(&IRequestSigner::verify), 3);
+    EXPECT_EQ(vtableSlot(&WithOneMore<IRequestSigner>::oneMore), 4);
 }
 
 TEST(IRequestSigner, IsAnInterface) {

@@ -44,6 +44,16 @@ int vtableSlot(Member member) {
     return (parts.offset & 1) != 0 ? static_cast<int>(parts.offset - 1) / bytesPerSlot : -1;
 }
 
+/// A class with one virtual operation more, as a device that derives from it may have: the slot of oneMore()
+/// is the number of those that the class has itself. An operation that it gets later, even at its end, would
+/// take that slot from the device's.
+template <typename Class>
+class WithOneMore : public Class {
+public:
+    using Class::Class;
+    virtual void oneMore() {}
+};
+
 }  // namespace vorl::test
 
 #endif

@@ -95,4 +95,8 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
     REGEX "/examples/(http/)?CMakeLists\\.txt$" EXCLUDE
     REGEX "/examples/(.*/)?[^/]*_test\\.cpp$" EXCLUDE
-    REGEX "/examples/http/[^/]*\\.bash$" EXCLUDE)
+    REGEX "/examples/http/[^/]*\\.bash$" EXCLUDE
+    REGEX "/examples/platform-softtoken/make-token$" EXCLUDE)
+# It is run where it is, and the rest gets the permissions of texts.
+install(PROGRAMS "${PROJECT_SOURCE_DIR}/examples/platform-softtoken/make-token"
+    DESTINATION "${CMAKE_INSTALL_DOCDIR}/examples/platform-softtoken" COMPONENT documentation)

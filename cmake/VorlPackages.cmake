@@ -5,6 +5,11 @@
 if(NOT VORL_INSTALL OR NOT PROJECT_IS_TOP_LEVEL OR NOT BUILD_SHARED_LIBS OR NOT TARGET vorl_tool)
     return()
 endif()
+# They would be labelled for this machine, and depend on its packages: those are the ones that dpkg-shlibdeps knows.
+if(CMAKE_CROSSCOMPILING)
+    message(STATUS "No Debian packages: they are made on a machine, or in a root, of their own architecture")
+    return()
+endif()
 
 set(VORL_PACKAGE_CONTACT "libVORL maintainers <maintainers@libvorl.invalid>" CACHE STRING
     "Who answers for the packages: name and address")

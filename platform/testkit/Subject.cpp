@@ -5,6 +5,7 @@
 #include <openssl/evp.h>
 
 #include <algorithm>
+#include <map>
 #include <numeric>
 
 namespace vorl::testkit {
@@ -21,6 +22,22 @@ const unsigned char KEY_VALUES[][BLOCK_BYTES] = {
 
 bytes valueNamed(KeyName name) {
     return bytes(std::begin(KEY_VALUES[name]), std::end(KEY_VALUES[name]));
+}
+
+bytes padded(bytes plain) {
+    const std::size_t count = BLOCK_BYTES - plain.size() % BLOCK_BYTES;
+    plain.insert(plain.end(), count, static_cast<unsigned char>(count));
+    return plain;
+}
+
+void expectSize(const std::string& subject, const bytes& plain, const bytes& ciphertext) {
+    require(ciphertext.size() == padded(plain).size(),
+            subject + " yields " + std::to_string(ciphertext.size()) + " bytes");
+}
+
+bytes blockAt(const bytes& all, std::size_t at) {
+    const auto begin = all.begin() + static_cast<std::ptrdiff_t>(at);
+    return bytes(begin, begin + static_cast<std::ptrdiff_t>(BLOCK_BYTES));
 }
 
 }  // namespace
@@ -71,8 +88,7 @@ bytes Subject::sealed(const Mode& mode, KeyName name, const bytes& iv, const byt
 
 void Subject::expectSealed(const std::string& subject, const Mode& mode, KeyName name, const bytes& iv,
                            const bytes& plain, const bytes& ciphertext) const {
-    require(ciphertext.size() == (plain.size() / BLOCK_BYTES + 1) * BLOCK_BYTES,
-            subject + " yields " + std::to_string(ciphertext.size()) + " bytes");
+    expectSize(subject, plain, ciphertext);
     if (valueOf(name)) {
         require(ciphertext == sealed(mode, name, iv, plain), subject + " yields a wrong ciphertext");
         return;
@@ -80,6 +96,28 @@ void Subject::expectSealed(const std::string& subject, const Mode& mode, KeyName
     require(doing(subject + " and decrypting the result",
                   [&] { return operate(*context(mode, name), Direction::DECRYPT, iv, ciphertext); }) == plain,
             subject + " yields a ciphertext that opens to something else");
+    if (mode.hasIv) {
+        expectChained(subject, name, iv, plain, ciphertext);
+    } else {
+        expectCodebook(subject, plain, ciphertext);
+    }
+}
+
+void Subject::expectChained(const std::string& subject, KeyName name, const bytes& iv, const bytes& plain,
+                            const bytes& ciphertext) const {
+    expectSize(subject, plain, ciphertext);
+    bytes blocks = padded(plain);
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+        const unsigned char before = i < BLOCK_BYTES ? iv[i] : ciphertext[i - BLOCK_BYTES];
+        blocks[i] = static_cast<unsigned char>(blocks[i] ^ before);
+    }
+    const std::string comparing = operation(AES_MODES[0], Direction::ENCRYPT, blocks.size());
+    const bytes expected = doing(comparing, [&] {
+        return operate(*context(AES_MODES[0], name), Direction::ENCRYPT, bytes(), blocks);
+    });
+    expectSize(comparing, blocks, expected);
+    require(std::equal(ciphertext.begin(), ciphertext.end(), expected.begin()),
+            subject + " yields blocks that are not chained, the first one to the IV");
 }
 
 bytes octets(std::size_t n) {
@@ -88,6 +126,21 @@ bytes octets(std::size_t n) {
         pattern[i] = static_cast<unsigned char>(i * 31 + (i >> 8) * 7 + 1);
     }
     return pattern;
+}
+
+void expectCodebook(const std::string& subject, const bytes& plain, const bytes& ciphertext) {
+    expectSize(subject, plain, ciphertext);
+    const bytes blocks = padded(plain);
+    std::map<bytes, bytes> encrypted;
+    std::map<bytes, bytes> decrypted;
+    for (std::size_t at = 0; at < blocks.size(); at += BLOCK_BYTES) {
+        const bytes from = blockAt(blocks, at);
+        const bytes to = blockAt(ciphertext, at);
+        require(encrypted.emplace(from, to).first->second == to,
+                subject + " yields different blocks for equal ones");
+        require(decrypted.emplace(to, from).first->second == from,
+                subject + " yields equal blocks for different ones");
+    }
 }
 
 bytes ivOf(const Mode& mode, unsigned char first) {

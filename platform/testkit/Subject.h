@@ -52,10 +52,15 @@ public:
     /// context of the platform's that was made for this alone.
     bytes sealed(const Mode& mode, KeyName name, const bytes& iv, const bytes& plain) const;
 
-    /// Throws Failure where `ciphertext` is not what sealed() answers or, where nobody knows that, does not
-    /// open or has a wrong size.
+    /// Throws Failure where `ciphertext` is not what sealed() answers or, where nobody knows that, has a
+    /// wrong size, does not open, or is not of the mode.
     void expectSealed(const std::string& subject, const Mode& mode, KeyName name, const bytes& iv,
                       const bytes& plain, const bytes& ciphertext) const;
+
+    /// Throws Failure where `ciphertext`, of AES-128-CBC, is not what the platform's own AES-128-ECB makes of
+    /// the same blocks. No key needs to be known for that.
+    void expectChained(const std::string& subject, KeyName name, const bytes& iv, const bytes& plain,
+                       const bytes& ciphertext) const;
 
 private:
     const Platform& platform_;
@@ -64,6 +69,10 @@ private:
 
 /// `n` octets in which neighbours, and the same places of neighbouring blocks, differ.
 bytes octets(std::size_t n);
+
+/// Throws Failure where `ciphertext`, of AES-128-ECB, has different blocks for equal ones of the padded
+/// `plain`, or equal ones for different ones.
+void expectCodebook(const std::string& subject, const bytes& plain, const bytes& ciphertext);
 
 /// One of 256 IVs; none for a mode without.
 bytes ivOf(const Mode& mode, unsigned char first);

@@ -129,8 +129,8 @@ void refusesMisplacedPadding(const Platform& platform) {
 }
 
 void refusesBitsUnderThePadding(const Platform& platform) {
-    refusesEach(platform,
-                {"AB==", "Zh==", "Zv==", "Z/==", "AAB=", "Zm9=", "Zm+=", "Zm/=", "Zm9vYh==", "Zm9vYmF="});
+    refusesEach(platform, {"AB==", "AC==", "AE==", "AI==", "Zh==", "Zv==", "Z/==", "AAB=", "AAC=", "Zm9=",
+                           "Zm+=", "Zm/=", "Zm9vYh==", "Zm9vYmF="});
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "expectations.h"
 
 #include <algorithm>
+#include <bitset>
 #include <iterator>
 
 // What contexts compute.
@@ -149,15 +150,20 @@ void decryptsLongMessages(const Platform& platform) {
     forLongSizes(platform, decrypts);
 }
 
+// Empty pieces stand before and behind the first.
 bytes inPieces(ICipherContext& context, Direction direction, const bytes& iv, const bytes& data,
                std::size_t piece) {
     init(context, direction, iv);
-    bytes out;
+    bytes out = context.update(bytes());
     for (std::size_t done = 0; done < data.size(); done += piece) {
         const auto begin = data.begin() + static_cast<std::ptrdiff_t>(done);
         const std::size_t size = std::min(piece, data.size() - done);
         const bytes ready = context.update(bytes(begin, begin + static_cast<std::ptrdiff_t>(size)));
         out.insert(out.end(), ready.begin(), ready.end());
+        if (done == 0) {
+            const bytes more = context.update(bytes());
+            out.insert(out.end(), more.begin(), more.end());
+        }
     }
     const bytes rest = context.final();
     out.insert(out.end(), rest.begin(), rest.end());
@@ -198,6 +204,71 @@ void eachInitTakesItsIv(const Platform& platform) {
     }
 }
 
+// A block that comes again, and others.
+bytes blocksThatComeAgain() {
+    bytes plain;
+    for (const unsigned char value : bytes{1, 2, 1, 1, 3, 2, 1, 4}) {
+        plain.insert(plain.end(), BLOCK_BYTES, value);
+    }
+    return plain;
+}
+
+void ecbEncryptsEachBlockAlone(const Platform& platform) {
+    const Subject subject(platform);
+    const Mode& mode = AES_MODES[0];
+    const bytes plain = blocksThatComeAgain();
+    const std::string what = operation(mode, Direction::ENCRYPT, plain.size());
+    expectCodebook(what, plain, encrypted(*subject.context(mode), mode, bytes(), plain));
+}
+
+void cbcChainsItsBlocks(const Platform& platform) {
+    const Subject subject(platform);
+    const Mode& mode = AES_MODES[1];
+    const bytes plain = blocksThatComeAgain();
+    const std::string what = operation(mode, Direction::ENCRYPT, plain.size());
+    for (const bytes& iv : {bytes(BLOCK_BYTES), ivOf(mode, 0), ivOf(mode, 200)}) {
+        subject.expectChained(what, FIRST_KEY, iv, plain, encrypted(*subject.context(mode), mode, iv, plain));
+    }
+}
+
+std::size_t differingBits(const unsigned char* one, const unsigned char* other) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < BLOCK_BYTES; ++i) {
+        count += std::bitset<8>(static_cast<unsigned long>(one[i] ^ other[i])).count();
+    }
+    return count;
+}
+
+// Of the 128 bits of a block, 64 change on average. That one of these blocks has fewer than 24 happens under
+// one key of 10^11, while a cipher that works on less than a block, or adds a stream, never has as many.
+const std::size_t LEAST_CHANGED_BITS = 24;
+
+void aBitChangesItsBlock(const Platform& platform) {
+    const Subject subject(platform);
+    const Mode& mode = AES_MODES[0];
+    const std::size_t bits = BLOCK_BYTES * 8;
+    bytes plain;
+    for (std::size_t i = 0; i <= bits; ++i) {
+        const bytes block = octets(BLOCK_BYTES);
+        plain.insert(plain.end(), block.begin(), block.end());
+    }
+    for (std::size_t bit = 0; bit < bits; ++bit) {
+        unsigned char& octet = plain[(bit + 1) * BLOCK_BYTES + bit / 8];
+        octet = static_cast<unsigned char>(octet ^ (1U << bit % 8));
+    }
+    const bytes ciphertext = encrypted(*subject.context(mode), mode, bytes(), plain);
+    require(ciphertext.size() == plain.size() + BLOCK_BYTES,
+            operation(mode, Direction::ENCRYPT, plain.size()) + " yields " +
+                std::to_string(ciphertext.size()) + " bytes");
+    for (std::size_t bit = 0; bit < bits; ++bit) {
+        const unsigned char* const changed = ciphertext.data() + (bit + 1) * BLOCK_BYTES;
+        const std::size_t count = differingBits(ciphertext.data(), changed);
+        require(count >= LEAST_CHANGED_BITS, std::string(mode.name) + ": changing a bit of a block changes " +
+                                                 std::to_string(count) +
+                                                 " of the 128 bits of its encryption");
+    }
+}
+
 }  // namespace
 
 std::vector<Check> cipherChecks() {
@@ -212,8 +283,17 @@ std::vector<Check> cipherChecks() {
         {"encrypts-long-messages", "Messages of up to 1 MiB are encrypted in one update",
          encryptsLongMessages},
         {"decrypts-long-messages", "Messages of up to 1 MiB come back", decryptsLongMessages},
-        {"takes-a-message-in-pieces", "A message may be fed by any number of updates", takesAMessageInPieces},
+        {"takes-a-message-in-pieces", "A message may be fed by any number of updates, empty ones too",
+         takesAMessageInPieces},
         {"each-init-takes-its-iv", "Each init works under the IV that it is given", eachInitTakesItsIv},
+        {"ecb-encrypts-each-block-alone",
+         "AES-128-ECB encrypts equal blocks alike, and different ones differently",
+         ecbEncryptsEachBlockAlone},
+        {"cbc-chains-its-blocks",
+         "AES-128-CBC is AES-128-ECB of each block after the IV, or the ciphertext before it, was added",
+         cbcChainsItsBlocks},
+        {"a-bit-changes-its-block", "A bit of a block changes about half of what the block is encrypted to",
+         aBitChangesItsBlock},
     };
 }
 

@@ -2,6 +2,7 @@
 #include "expectations.h"
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -38,20 +39,32 @@ void work(Crew& crew, const std::string& subject, const std::function<void()>& t
     crew.changed.notify_all();
 }
 
-// Lets `threads` threads do `task`, and throws Failure for the first that fails, or if not all of them come
-// back.
+// Lets a thread do `task`; also one of the crew may.
+void start(const std::shared_ptr<Crew>& crew, const std::string& subject, const std::function<void()>& task) {
+    {
+        const std::lock_guard<std::mutex> lock(crew->mutex);
+        ++crew->atWork;
+    }
+    std::thread([crew, subject, task] { work(*crew, subject, task); }).detach();
+}
+
+// Throws Failure for the first that fails, or if not all of them come back.
+void await(const Platform& platform, Crew& crew, const std::string& subject) {
+    std::unique_lock<std::mutex> lock(crew.mutex);
+    const bool isOver = crew.changed.wait_for(lock, platform.patience,
+                                              [&] { return crew.atWork == 0 || !crew.fault.empty(); });
+    require(crew.fault.empty(), crew.fault);
+    require(isOver, subject + " waits for ever");
+}
+
+// Lets `threads` threads do `task`.
 void inThreads(const Platform& platform, int threads, const std::string& subject,
                const std::function<void()>& task) {
     const auto crew = std::make_shared<Crew>();
-    crew->atWork = threads;
     for (int i = 0; i < threads; ++i) {
-        std::thread([crew, subject, task] { work(*crew, subject, task); }).detach();
+        start(crew, subject, task);
     }
-    std::unique_lock<std::mutex> lock(crew->mutex);
-    const bool isOver = crew->changed.wait_for(lock, platform.patience,
-                                               [&] { return crew->atWork == 0 || !crew->fault.empty(); });
-    require(crew->fault.empty(), crew->fault);
-    require(isOver, subject + " waits for ever");
+    await(platform, *crew, subject);
 }
 
 Mutex mutexOf(const Platform& platform, bool recursive) {
@@ -146,6 +159,45 @@ void mutexesAreIndependent(const Platform& platform) {
     }
 }
 
+struct Visit {
+    std::atomic<bool> isAsking{false};
+    std::atomic<bool> isIn{false};
+    std::atomic<bool> isTooEarly{false};
+};
+
+// Longer than anybody would hold it, so that one that gives up has time to. One that waits cannot fail here,
+// however slow the machine is.
+void hold(const Mutex& mutex, Visit& visit, const std::function<void()>& letAnotherAsk) {
+    mutex.lock();
+    letAnotherAsk();
+    while (!visit.isAsking) {
+        std::this_thread::yield();
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    visit.isTooEarly = visit.isIn.load();
+    mutex.unlock();
+}
+
+void lockWaitsUntilTheMutexIsFree(const Platform& platform) {
+    const std::string subject = "Waiting for a mutex that is held for long";
+    for (const bool recursive : {false, true}) {
+        const Mutex mutex = mutexOf(platform, recursive);
+        const auto crew = std::make_shared<Crew>();
+        const auto visit = std::make_shared<Visit>();
+        const auto ask = [mutex, visit] {
+            visit->isAsking = true;
+            mutex.lock();
+            visit->isIn = true;
+            mutex.unlock();
+        };
+        start(crew, subject, [mutex, visit, crew, subject, ask] {
+            hold(mutex, *visit, [&] { start(crew, subject, ask); });
+        });
+        await(platform, *crew, subject);
+        require(!visit->isTooEarly, subject + " ends before it is free");
+    }
+}
+
 }  // namespace
 
 std::vector<Check> mutexChecks() {
@@ -159,6 +211,9 @@ std::vector<Check> mutexChecks() {
          recursiveMutexCountsItsLocks},
         {"mutex-is-free-after-unlock", "A mutex that was unlocked can be locked, by any thread",
          mutexIsFreeAfterUnlock},
+        {"lock-waits-until-the-mutex-is-free",
+         "lock() does not return while another thread holds the mutex, however long",
+         lockWaitsUntilTheMutexIsFree},
         {"mutexes-are-independent", "A mutex may be locked while another is held", mutexesAreIndependent},
     };
 }

@@ -127,6 +127,106 @@ private:
     bytes first_;
 };
 
+class IgnoresTheIv : public FaultyContext {
+public:
+    using FaultyContext::FaultyContext;
+
+protected:
+    void start(bool encrypting, const bytes& iv) override {
+        FaultyContext::start(encrypting, bytes(iv.size()));
+    }
+};
+
+class EncryptsABlockOfZeros : public FaultyContext {
+public:
+    using FaultyContext::FaultyContext;
+    bytes update(const bytes& data) override {
+        return inner_->update(encrypting_ ? bytes(data.size()) : data);
+    }
+};
+
+// It takes an empty piece behind others for the end.
+class EndsAtAnEmptyPiece : public FaultyContext {
+public:
+    using FaultyContext::FaultyContext;
+    bytes update(const bytes& data) override {
+        isOver_ = isOver_ || (isFed_ && data.empty());
+        isFed_ = isFed_ || !data.empty();
+        return isOver_ ? bytes() : inner_->update(data);
+    }
+
+protected:
+    void start(bool encrypting, const bytes& iv) override {
+        isFed_ = false;
+        isOver_ = false;
+        FaultyContext::start(encrypting, iv);
+    }
+
+private:
+    bool isFed_ = false;
+    bool isOver_ = false;
+};
+
+// The cipher of one spec under the number of another, without an IV or with one of zeros.
+class PassesForAnother : public FaultyContext {
+public:
+    PassesForAnother(CipherContext inner, Spec spec) : FaultyContext(std::move(inner)), spec_(spec) {}
+    Spec id() override { return spec_; }
+
+protected:
+    void start(bool encrypting, const bytes& /*iv*/) override {
+        FaultyContext::start(encrypting, bytes(inner_->id() == SPEC_AES_128_CBC ? 16 : 0));
+    }
+
+private:
+    const Spec spec_;
+};
+
+// Padded as it should be, but encrypted by adding the key to each block.
+class AddsTheKey : public ICipherContext {
+public:
+    AddsTheKey(Spec spec, bytes key) : spec_(spec), key_(std::move(key)) {}
+
+    Spec id() override { return spec_; }
+    void encryptInit(const bytes& /*iv*/) override { start(true); }
+    void decryptInit(const bytes& /*iv*/) override { start(false); }
+    bytes update(const bytes& data) override {
+        fed_ = fed_ + data;
+        return {};
+    }
+    bytes final() override { return encrypting_ ? sealed() : opened(); }
+
+private:
+    void start(bool encrypting) {
+        encrypting_ = encrypting;
+        fed_.clear();
+    }
+    bytes withKeyAdded(bytes data) const {
+        for (std::size_t i = 0; i < data.size(); ++i) {
+            data[i] = static_cast<unsigned char>(data[i] ^ key_[i % key_.size()]);
+        }
+        return data;
+    }
+    bytes sealed() const {
+        const std::size_t count = 16 - fed_.size() % 16;
+        return withKeyAdded(fed_ + bytes(count, static_cast<unsigned char>(count)));
+    }
+    bytes opened() const {
+        const bytes plain = withKeyAdded(fed_);
+        const std::size_t count = plain.empty() ? 0 : plain.back();
+        if (plain.size() % 16 != 0 || count < 1 || count > 16 || count > plain.size() ||
+            slice(plain, plain.size() - count, count) != bytes(count, plain.back())) {
+            throw std::runtime_error("this is no ciphertext");
+        }
+        return slice(plain, 0, plain.size() - count);
+    }
+
+    const Spec spec_;
+    const bytes key_;
+    bool encrypting_ = true;
+    bytes fed_;
+};
+
 class AcceptsAnyPadding : public FaultyContext {
 public:
     using FaultyContext::FaultyContext;

@@ -312,6 +312,20 @@ inline Platform throwsForBadText() {
     return platform;
 }
 
+inline Platform looksAtTheLowestBitUnderPadding() {
+    return withDecode([](std::string text) {
+        const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+        const std::size_t size = text.size();
+        if (size >= 4 && text.substr(size - 2) == "==") {
+            const std::size_t value = alphabet.find(text[size - 3]);
+            if (value != std::string::npos && value % 2 == 0) {
+                text[size - 3] = alphabet[value & 0x30U];
+            }
+        }
+        return text;
+    });
+}
+
 // With OpenSSL's block decoder alone, which takes '=' for a zero.
 inline Platform leavesBase64ToOpenSSL() {
     Platform platform = soundPlatform();
@@ -346,12 +360,13 @@ inline Platform hasMutexesThatDoNothing() {
     return withMutex([](bool /*recursive*/) { return testkit::Mutex{[] {}, [] {}}; });
 }
 
-// A mutex that does not know who holds it.
+// A mutex that does not know who holds it, and that may lose its patience.
 class Gate {
 public:
+    explicit Gate(std::chrono::milliseconds patience = std::chrono::hours(24)) : patience_(patience) {}
     void lock() {
         std::unique_lock<std::mutex> lock(mutex_);
-        changed_.wait(lock, [this] { return !isShut_; });
+        changed_.wait_for(lock, patience_, [this] { return !isShut_; });
         isShut_ = true;
     }
     void unlock() {
@@ -363,6 +378,7 @@ public:
 private:
     std::mutex mutex_;
     std::condition_variable changed_;
+    const std::chrono::milliseconds patience_;
     bool isShut_ = false;
 };
 
@@ -424,6 +440,12 @@ inline Platform hasMutexesThatStayLocked() {
     return withBlockingMutex([](bool /*recursive*/) {
         return testkit::Mutex{mutexOf(std::make_shared<Gate>()).lock, [] {}};
     });
+}
+
+// They are taken from whoever holds them for too long.
+inline Platform hasMutexesThatGiveUp() {
+    return withMutex(
+        [](bool /*recursive*/) { return mutexOf(std::make_shared<Gate>(std::chrono::milliseconds(50))); });
 }
 
 inline Platform hasOneMutexForAll() {
@@ -570,11 +592,49 @@ inline Platform isDescribedWithoutKeys() {
     return platform;
 }
 
-inline Platform losesTheLastBlockUnderKeysOfItsOwn() {
-    Platform platform = withContexts(make<LosesTheLastBlock>);
+// The same platform, of whose keys nobody knows the value.
+inline Platform withKeysOfItsOwn(Platform platform) {
     platform.ownKeys = {keyFor(octets(16)), keyFor(bytes(16, 0x55))};
     platform.provision = nullptr;
     return platform;
+}
+
+inline Platform losesTheLastBlockUnderKeysOfItsOwn() {
+    return withKeysOfItsOwn(withContexts(make<LosesTheLastBlock>));
+}
+
+inline Platform ignoresTheIvUnderKeysOfItsOwn() {
+    return withKeysOfItsOwn(withContexts(make<IgnoresTheIv>));
+}
+
+inline Platform takesOneSpecForAnother(ICipherContext::Spec asked, ICipherContext::Spec taken) {
+    return withKeysOfItsOwn(
+        withFactory([asked, taken](const Platform& sound, ICipherContext::Spec spec, const bytes& key) {
+            Platform::Contexts contexts = sound.cryptContext(spec == asked ? taken : spec, key);
+            if (spec == asked) {
+                contexts.first = std::make_shared<PassesForAnother>(contexts.first, spec);
+            }
+            return contexts;
+        }));
+}
+
+inline Platform takesEcbForCbcUnderKeysOfItsOwn() {
+    return takesOneSpecForAnother(ICipherContext::SPEC_AES_128_CBC, ICipherContext::SPEC_AES_128_ECB);
+}
+
+inline Platform takesCbcForEcbUnderKeysOfItsOwn() {
+    return takesOneSpecForAnother(ICipherContext::SPEC_AES_128_ECB, ICipherContext::SPEC_AES_128_CBC);
+}
+
+inline Platform addsItsKeys() {
+    return withKeysOfItsOwn(
+        withFactory([](const Platform& sound, ICipherContext::Spec spec, const bytes& key) {
+            Platform::Contexts contexts = sound.cryptContext(spec, key);
+            if (spec != ICipherContext::SPEC_NULL && !key.empty()) {
+                contexts.first = std::make_shared<AddsTheKey>(spec, key);
+            }
+            return contexts;
+        }));
 }
 
 template <typename Faulty>

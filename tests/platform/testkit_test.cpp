@@ -83,6 +83,25 @@ const Fault FAULTS[] = {
      "AES-128-ECB: encrypting 100 bytes in pieces of 1 yields 16 bytes"},
     {"KeepsItsFirstIv", contextsOf<KeepsItsFirstIv>, "each-init-takes-its-iv",
      "AES-128-CBC: encrypting under another IV than before yields a wrong ciphertext"},
+    {"EndsAtAnEmptyPiece", contextsOf<EndsAtAnEmptyPiece>, "takes-a-message-in-pieces",
+     "AES-128-ECB: encrypting 100 bytes in pieces of 1 yields 16 bytes"},
+    {"TakesCbcForEcbUnderKeysOfItsOwn", takesCbcForEcbUnderKeysOfItsOwn, "ecb-encrypts-each-block-alone",
+     "AES-128-ECB: encrypting 128 bytes yields different blocks for equal ones"},
+    {"TakesCbcForEcbUnderKeysOfItsOwn", takesCbcForEcbUnderKeysOfItsOwn, "encrypts-long-messages",
+     "AES-128-ECB: encrypting 16367 bytes yields different blocks for equal ones"},
+    {"EncryptsABlockOfZeros", contextsOf<EncryptsABlockOfZeros>, "ecb-encrypts-each-block-alone",
+     "AES-128-ECB: encrypting 128 bytes yields equal blocks for different ones"},
+    {"TakesEcbForCbcUnderKeysOfItsOwn", takesEcbForCbcUnderKeysOfItsOwn, "cbc-chains-its-blocks",
+     "AES-128-CBC: encrypting 128 bytes yields blocks that are not chained, the first one to the IV"},
+    {"TakesEcbForCbcUnderKeysOfItsOwn", takesEcbForCbcUnderKeysOfItsOwn, "encrypts-short-messages",
+     "AES-128-CBC: encrypting 0 bytes yields blocks that are not chained, the first one to the IV"},
+    {"IgnoresTheIvUnderKeysOfItsOwn", ignoresTheIvUnderKeysOfItsOwn, "cbc-chains-its-blocks",
+     "AES-128-CBC: encrypting 128 bytes yields blocks that are not chained, the first one to the IV"},
+    {"IgnoresTheIvUnderKeysOfItsOwn", ignoresTheIvUnderKeysOfItsOwn, "each-init-takes-its-iv",
+     "AES-128-CBC: encrypting under another IV than before yields blocks that are not chained, the first one "
+     "to the IV"},
+    {"AddsItsKeys", addsItsKeys, "a-bit-changes-its-block",
+     "AES-128-ECB: changing a bit of a block changes 1 of the 128 bits of its encryption"},
     {"AcceptsAnyPadding", contextsOf<AcceptsAnyPadding>, "refuses-wrong-padding",
      "AES-128-ECB: a wrong padding is not refused"},
     {"ThrowsANumber", contextsOf<ThrowsANumber>, "refuses-wrong-padding",
@@ -124,6 +143,8 @@ const Fault FAULTS[] = {
      "decode() takes \"=AAA\" for Base64"},
     {"LeavesBitsToOpenSSL", leavesBase64ToOpenSSL, "base64-refuses-bits-under-padding",
      "decode() takes \"AB==\" for Base64"},
+    {"LooksAtTheLowestBitUnderPadding", looksAtTheLowestBitUnderPadding, "base64-refuses-bits-under-padding",
+     "decode() takes \"AC==\" for Base64"},
     {"HasPlainMutexesThatDoNothing", hasMutexesThatDoNothing, "plain-mutex-excludes",
      "A plain mutex leaves two threads in the section that it guards"},
     {"HasRecursiveMutexesThatDoNothing", hasMutexesThatDoNothing, "recursive-mutex-excludes",
@@ -139,6 +160,8 @@ const Fault FAULTS[] = {
      "guards"},
     {"HasMutexesThatStayLocked", hasMutexesThatStayLocked, "mutex-is-free-after-unlock",
      "Locking a mutex that is free waits for ever"},
+    {"HasMutexesThatGiveUp", hasMutexesThatGiveUp, "lock-waits-until-the-mutex-is-free",
+     "Waiting for a mutex that is held for long ends before it is free"},
     {"HasOneMutexForAll", hasOneMutexForAll, "mutexes-are-independent",
      "Locking a mutex while another is held waits for ever"},
     {"SignsNothing", signsNothing, "signs-or-refuses",
@@ -244,9 +267,7 @@ TEST_F(Testkit, AllowsNotToSign) {
 }
 
 TEST_F(Testkit, LeavesOutWhatNeedsAKnownKeyAndNothingElse) {
-    Platform platform = signsByHmac();
-    platform.ownKeys = {keyFor(octets(16)), keyFor(bytes(16, 0x55))};
-    platform.provision = nullptr;
+    const Platform platform = withKeysOfItsOwn(signsByHmac());
     for (const Check& check : testkit::checks()) {
         const Finding finding = run(check, platform);
         if (check.name == std::string("agrees-with-published-vectors")) {

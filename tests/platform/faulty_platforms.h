@@ -14,12 +14,14 @@
 #include <openssl/hmac.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -533,6 +535,10 @@ inline Platform verifiesEverything() {
     return withSigner(refuseToSign, verifyEverything);
 }
 
+inline Platform failsToVerify() {
+    return withSigner(signWithoutAKey, refuseToVerify);
+}
+
 inline bool hasSignature(const IHttpStream::Fields& fields, const std::string& value) {
     return std::find(fields.begin(), fields.end(), std::pair<std::string, std::string>("Signature", value)) !=
            fields.end();
@@ -554,19 +560,176 @@ inline std::string code(const bytes& key, const std::string& text) {
     return toText(soundPlatform().encode(slice(mac, 0, size)));
 }
 
-inline Platform signsByHmac() {
-    Platform platform = withFactory([](const Platform& sound, ICipherContext::Spec spec, const bytes& key) {
-        return Platform::Contexts(
-            sound.cryptContext(spec, key).first,
-            std::make_shared<FunctionSigner>(
-                [key](IHttpStream::Request& request) {
-                    request.fields.emplace_back("Signature", code(key, "request " + toText(request.body)));
-                },
-                [key](IHttpStream& stream) {
-                    return hasSignature(stream.fields(), code(key, "response " + toText(stream.body())));
-                }));
+inline std::string requestCode(const bytes& key, const IHttpStream::Request& request) {
+    return code(key, "request " + request.method + " " + request.targetUri + "\n" + toText(request.body));
+}
+
+inline std::string responseCode(const bytes& key, const bytes& body) {
+    return code(key, "response " + toText(body));
+}
+
+inline void signByHmac(const bytes& key, IHttpStream::Request& request) {
+    request.fields.emplace_back("Signature", requestCode(key, request));
+}
+
+inline bool verifyByHmac(const bytes& key, IHttpStream& stream) {
+    return hasSignature(stream.fields(), responseCode(key, stream.body()));
+}
+
+inline bool isSignedByHmac(const bytes& key, const IHttpStream::Request& request) {
+    return hasSignature(request.fields, requestCode(key, request));
+}
+
+inline testkit::Response respondByHmac(const bytes& key) {
+    const bytes body = fromText("done");
+    return {200, {{"Content-Type", "text/plain"}, {"Signature", responseCode(key, body)}}, body};
+}
+
+using KeyedSign = void (*)(const bytes& key, IHttpStream::Request& request);
+using KeyedVerify = bool (*)(const bytes& key, IHttpStream& stream);
+using KeyedCheck = bool (*)(const bytes& key, const IHttpStream::Request& request);
+
+// A service that is right, and a device that may not be; or a signature that both are content with.
+inline Platform withHmac(KeyedSign sign, KeyedVerify verify, KeyedCheck isSigned = isSignedByHmac) {
+    Platform platform = withFactory([sign, verify](const Platform& sound, ICipherContext::Spec spec,
+                                                   const bytes& key) {
+        return Platform::Contexts(sound.cryptContext(spec, key).first,
+                                  std::make_shared<FunctionSigner>(
+                                      [key, sign](IHttpStream::Request& request) { sign(key, request); },
+                                      [key, verify](IHttpStream& stream) { return verify(key, stream); }));
     });
     platform.signs = true;
+    platform.respond = [isSigned](const bytes& key, const std::string& /*s*/,
+                                  const IHttpStream::Request& request) {
+        return isSigned(key, request) ? std::make_optional(respondByHmac(key)) : std::nullopt;
+    };
+    return platform;
+}
+
+inline Platform signsByHmac() {
+    return withHmac(signByHmac, verifyByHmac);
+}
+
+inline Platform signsWithAConstantOfTheKey() {
+    return withHmac(
+        [](const bytes& key, IHttpStream::Request& request) {
+            request.fields.emplace_back("Signature", code(key, "request"));
+        },
+        verifyByHmac);
+}
+
+// A signer whose signature ends with the method, the target or the body left out.
+inline Platform signsAllButTheMethod() {
+    return withHmac(
+        [](const bytes& key, IHttpStream::Request& request) {
+            request.fields.emplace_back("Signature",
+                                        code(key, request.targetUri + "\n" + toText(request.body)));
+        },
+        verifyByHmac);
+}
+
+inline Platform signsAllButTheTarget() {
+    return withHmac(
+        [](const bytes& key, IHttpStream::Request& request) {
+            request.fields.emplace_back("Signature", code(key, request.method + "\n" + toText(request.body)));
+        },
+        verifyByHmac);
+}
+
+inline Platform signsAllButTheBody() {
+    return withHmac(
+        [](const bytes& key, IHttpStream::Request& request) {
+            request.fields.emplace_back("Signature", code(key, request.method + " " + request.targetUri));
+        },
+        verifyByHmac);
+}
+
+inline std::string nextNumber() {
+    static std::atomic<unsigned int> number{0};
+    return std::to_string(++number);
+}
+
+inline Platform signsWithANumber() {
+    return withHmac(
+        [](const bytes& /*key*/, IHttpStream::Request& request) {
+            request.fields.emplace_back("Signature", nextNumber());
+        },
+        verifyByHmac);
+}
+
+// Device and service agree, but on no more than a number that nobody else could have signed.
+inline Platform signsItsNumberAlone() {
+    return withHmac(
+        [](const bytes& key, IHttpStream::Request& request) {
+            const std::string number = nextNumber();
+            request.fields.emplace_back("Number", number);
+            request.fields.emplace_back("Signature", code(key, number));
+        },
+        verifyByHmac,
+        [](const bytes& key, const IHttpStream::Request& request) {
+            return std::any_of(request.fields.begin(), request.fields.end(), [&](const auto& field) {
+                return field.first == "Number" && hasSignature(request.fields, code(key, field.second));
+            });
+        });
+}
+
+// Whatever names itself so is a signature, at both ends.
+inline bool namesASignature(const IHttpStream::Fields& fields) {
+    return std::any_of(fields.begin(), fields.end(),
+                       [](const auto& field) { return field.first == "Signature"; });
+}
+
+inline Platform takesAnySignatureOfARequest() {
+    return withHmac(signByHmac, verifyByHmac, [](const bytes& /*key*/, const IHttpStream::Request& request) {
+        return namesASignature(request.fields);
+    });
+}
+
+inline Platform takesAnyRequest() {
+    return withHmac(signByHmac, verifyByHmac,
+                    [](const bytes& /*key*/, const IHttpStream::Request& /*request*/) { return true; });
+}
+
+inline Platform verifiesNoResponse() {
+    return withHmac(signByHmac, [](const bytes& /*key*/, IHttpStream& /*stream*/) { return false; });
+}
+
+inline Platform verifiesByTheNameOfAField() {
+    return withHmac(signByHmac, [](const bytes& /*key*/, IHttpStream& stream) {
+        return namesASignature(stream.fields());
+    });
+}
+
+// The digest of a body, which anybody can compute.
+inline Platform verifiesWithoutTheKey() {
+    Platform platform = withHmac(signByHmac, [](const bytes& /*key*/, IHttpStream& stream) {
+        return hasSignature(stream.fields(), responseCode(bytes(16), stream.body()));
+    });
+    platform.respond = [](const bytes& key, const std::string& /*s*/, const IHttpStream::Request& request) {
+        return isSignedByHmac(key, request) ? std::make_optional(respondByHmac(bytes(16))) : std::nullopt;
+    };
+    return platform;
+}
+
+// Bodies that name a key, whatever the fields say.
+inline Platform verifiesByTheBodyAlone() {
+    Platform platform = withHmac(signByHmac, [](const bytes& key, IHttpStream& stream) {
+        return toText(stream.body()) == code(key, "done");
+    });
+    platform.respond = [](const bytes& key, const std::string& /*s*/,
+                          const IHttpStream::Request& /*request*/) {
+        const bytes body = fromText(code(key, "done"));
+        return std::make_optional(testkit::Response{200, respondByHmac(key).fields, body});
+    };
+    return platform;
+}
+
+inline Platform respondsWithNothing() {
+    Platform platform = signsByHmac();
+    platform.respond = [](const bytes& /*key*/, const std::string& /*s*/,
+                          const IHttpStream::Request& /*request*/) {
+        return std::make_optional(testkit::Response{200, {}, {}});
+    };
     return platform;
 }
 

@@ -24,12 +24,23 @@ CNF
 @test "the platform passes, with a line for each check" {
     succeeds vorl platform check
     for check in id-is-the-spec agrees-with-published-vectors encrypts-short-messages refuses-wrong-padding \
-        threads-have-contexts-of-their-own base64-refuses-white-space recursive-mutex-counts-its-locks \
-        signs-or-refuses never-verifies-the-unsigned; do
+        cbc-chains-its-blocks threads-have-contexts-of-their-own base64-refuses-white-space \
+        recursive-mutex-counts-its-locks signs-or-refuses never-verifies-the-unsigned; do
         contains $'\n'"$output" $'\n'"ok     $check: "
     done
     contains "${lines[-1]}" "The platform passes"
     [[ "$output" != *FAULT* ]]
+}
+
+@test "the signatures are those that a service makes and takes, where the library signs" {
+    succeeds vorl platform check
+    for check in a-service-takes-its-requests verifies-what-a-service-signs; do
+        if [[ $VORL_SIGNS_HTTP == 1 ]]; then
+            contains "$output" "ok     $check: "
+        else
+            contains "$output" "-      $check: The platform does not sign"
+        fi
+    done
 }
 
 @test "--json shows the same" {
@@ -53,6 +64,7 @@ CNF
     contains "$output" "-      agrees-with-published-vectors: The platform has only keys of its own, \
 and this takes one of known value"
     contains "$output" "ok     encrypts-short-messages: "
+    contains "$output" "ok     cbc-chains-its-blocks: "
     contains "${lines[-1]}" " left out."
     succeeds vorl platform check --json --own-keys first second
     contains "$output" '"name": "agrees-with-published-vectors",

@@ -1,4 +1,5 @@
 #include "commands/commands.h"
+#include "linked_service.h"
 #include "shared/CommandOptions.h"
 #include "shared/input.h"
 #include "shared/output.h"
@@ -99,6 +100,7 @@ ExitStatus checkPlatform(const PlatformOptions& options) {
     // As before the start of the library, which starts the platform: that is for each check to do.
     Random::init_ = RAND_status() == 1;
     testkit::Platform platform = testkit::linkedPlatform();
+    platform.respond = testkit::linkedService();
     if (!options.ownKeys.empty()) {
         platform.provision = nullptr;
         for (const std::string& path : options.ownKeys) {

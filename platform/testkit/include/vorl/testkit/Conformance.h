@@ -5,6 +5,7 @@
 
 #include <tarvik/crypto/ICipherContext.h>
 #include <tarvik/crypto/IRequestSigner.h>
+#include <tarvik/http/IHttpStream.h>
 
 #include <chrono>
 #include <functional>
@@ -26,10 +27,23 @@ struct Mutex {
     std::function<void()> unlock;
 };
 
+/// A response as a service sends it.
+struct Response {
+    unsigned int status;
+    tarvik::http::IHttpStream::Fields fields;
+    bytes body;
+};
+
 /// A platform under test: what its headers declare, as functions.
 struct Platform {
     using Contexts = std::pair<std::shared_ptr<tarvik::crypto::ICipherContext>,
                                std::shared_ptr<tarvik::crypto::IRequestSigner>>;
+
+    /// Answers a request that was signed under that key, as cryptContext() takes it, and with that string:
+    /// with a response of its own, signed in its fields, whose body is not empty; with nothing where the
+    /// request's signature does not hold. It does not remember requests, which may be signed alike each time.
+    using Respond = std::function<std::optional<Response>(const bytes& key, const std::string& s,
+                                                          const tarvik::http::IHttpStream::Request& request)>;
 
     std::string name;
 
@@ -51,6 +65,9 @@ struct Platform {
     /// Whether the signer signs, where that is known; otherwise either is right, as long as it is one of the
     /// two.
     std::optional<bool> signs;
+    /// What the service at the other end does, where that can be asked; otherwise whether signatures hold is
+    /// left out.
+    Respond respond;
 
     /// Those of Base64.
     std::function<bytes(const bytes& data)> encode;

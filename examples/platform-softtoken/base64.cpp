@@ -58,7 +58,11 @@ Octets Base64::decode(const Octets& text) {
             data.push_back(static_cast<unsigned char>(bits >> count & 0xff));
         }
     }
-    return encode(data) == text ? data : Octets();
+    if (encode(data) != text) {
+        return {};
+    }
+    // Not a copy, which would leave what may be a secret behind.
+    return data;
 }
 
 }  // namespace Tarvik::BrisClient

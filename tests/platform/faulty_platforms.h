@@ -618,7 +618,7 @@ inline Platform signsWithAConstantOfTheKey() {
         verifyByHmac);
 }
 
-// A signer whose signature ends with the method, the target or the body left out.
+// They leave one of the three out of what is signed.
 inline Platform signsAllButTheMethod() {
     return withHmac(
         [](const bytes& key, IHttpStream::Request& request) {

@@ -2,15 +2,22 @@
 //
 //     security_doc_test PRIVATE.pem PUBLIC.pem
 
+#include "SecretWatch.h"
 #include "checks.h"
+#include "unsafe_groups.h"
 
 #include <vorl/vorl.h>
 
 #include <brisclient/Base64.h>
+#include <openssl/asn1.h>
+#include <openssl/bn.h>
 #include <openssl/evp.h>
 #include <openssl/hmac.h>
+#include <openssl/pem.h>
 #include <tarvik/crypto/HttpRequestSigner.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
@@ -37,6 +44,7 @@ vorl::bytes secretOf(const vorl::bytes& number);
 std::pair<vorl::bytes, vorl::bytes> signedAfresh(const std::shared_ptr<const vorl::PrivKey>& key,
                                                  const vorl::bytes& text);
 std::string digestOf(const vorl::bytes& secret);
+void keepQuiet();
 bool isQuiet();
 vorl::ClientKeys agreedKeys(const vorl::DiffieHellman& own, const vorl::bytes& peer);
 
@@ -110,37 +118,120 @@ void checkCodes() {
     check(!isGenuine(keys, octetsOf("another"), right), "isGenuine refuses another envelope");
 }
 
-bool isAccepted(const std::string& group) {
+const char NO_GROUP_TO_USE[] = "this is no group to use: security_doc_group.pem";
+
+// Why ownGroup() refuses a file of that text; nothing where it gives the group that is in it.
+std::string refusalOfGroup(const std::string& text) {
     const std::string fileName = "security_doc_group.pem";
-    std::ofstream(fileName) << group;
-    const std::string refusal = refusalOf([&] { ownGroup(fileName); });
+    std::ofstream(fileName) << text;
+    const std::string refusal = refusalOf([&] {
+        check(ownGroup(fileName) == vorl::DiffieHellmanParams(text), "ownGroup gives what is in the file");
+    });
     check(std::remove(fileName.c_str()) == 0, "the group is a file");
-    check(refusal.empty() || refusal == "this is no group to use: " + fileName, "ownGroup says which group");
-    return refusal.empty();
+    return refusal;
+}
+
+using Number = std::unique_ptr<BIGNUM, decltype(&BN_free)>;
+
+// A number of so many more or fewer.
+Number near(const BIGNUM* number, int difference) {
+    Number other(BN_dup(number), BN_free);
+    check((difference < 0 ? BN_sub_word(other.get(), static_cast<BN_ULONG>(-difference))
+                          : BN_add_word(other.get(), static_cast<BN_ULONG>(difference))) == 1,
+          "BN_add_word()");
+    return other;
+}
+
+vorl::bytes derOf(const BIGNUM* number) {
+    const std::unique_ptr<ASN1_INTEGER, decltype(&ASN1_INTEGER_free)> integer(
+        BN_to_ASN1_INTEGER(number, nullptr), ASN1_INTEGER_free);
+    vorl::bytes der(static_cast<std::size_t>(i2d_ASN1_INTEGER(integer.get(), nullptr)));
+    unsigned char* end = der.data();
+    check(i2d_ASN1_INTEGER(integer.get(), &end) == static_cast<int>(der.size()), "i2d_ASN1_INTEGER()");
+    return der;
+}
+
+// PKCS #3, DHParameter, as PEM.
+std::string groupOf(const Number& p, const Number& g) {
+    vorl::bytes numbers = derOf(p.get());
+    const vorl::bytes generator = derOf(g.get());
+    numbers.insert(numbers.end(), generator.begin(), generator.end());
+    vorl::bytes der(
+        static_cast<std::size_t>(ASN1_object_size(1, static_cast<int>(numbers.size()), V_ASN1_SEQUENCE)));
+    unsigned char* content = der.data();
+    ASN1_put_object(&content, 1, static_cast<int>(numbers.size()), V_ASN1_SEQUENCE, V_ASN1_UNIVERSAL);
+    std::copy(numbers.begin(), numbers.end(), content);
+    const std::unique_ptr<BIO, decltype(&BIO_free)> file(BIO_new(BIO_s_mem()), BIO_free);
+    check(PEM_write_bio(file.get(), "DH PARAMETERS", "", der.data(), static_cast<long>(der.size())) > 0,
+          "PEM_write_bio()");
+    std::string text(BIO_ctrl_pending(file.get()), ' ');
+    check(BIO_read(file.get(), text.data(), static_cast<int>(text.size())) > 0, "BIO_read()");
+    return text;
+}
+
+void checkGroups() {
+    check(refusalOfGroup(GROUP).empty(), "ownGroup takes a safe prime");
+    const Number p(BN_get_rfc2409_prime_1024(nullptr), BN_free);
+    const Number two = near(BN_value_one(), 1);
+    check(groupOf(p, two) == GROUP, "groups are written as OpenSSL does");
+
+    check(refusalOfGroup(groupOf(p, near(p.get(), -2))).empty(), "ownGroup takes the last generator");
+    for (const int fromP : {-1, 0, 1}) {
+        check(refusalOfGroup(groupOf(p, near(p.get(), fromP))) == NO_GROUP_TO_USE,
+              "ownGroup refuses a generator behind the last one");
+    }
+    check(refusalOfGroup(groupOf(p, near(BN_value_one(), 0))) == NO_GROUP_TO_USE,
+          "ownGroup refuses a generator of 1");
+    check(!refusalOfGroup(groupOf(p, near(BN_value_one(), -1))).empty(), "ownGroup refuses a generator of 0");
+
+    check(refusalOfGroup(groupOf(near(p.get(), 2), two)) == NO_GROUP_TO_USE,
+          "ownGroup refuses a number that is no prime");
+    // The next one of which (p - 1) / 2 is a prime.
+    check(refusalOfGroup(groupOf(near(p.get(), 180), two)) == NO_GROUP_TO_USE,
+          "ownGroup refuses a number that is no prime though its half is one");
+    check(refusalOfGroup(groupOf(near(p.get(), -1), two)) == NO_GROUP_TO_USE,
+          "ownGroup refuses an even number");
+    for (BIGNUM* const other : {BN_get_rfc2409_prime_768(nullptr), BN_get_rfc3526_prime_1536(nullptr)}) {
+        check(refusalOfGroup(groupOf(Number(other, BN_free), two)) == NO_GROUP_TO_USE,
+              "ownGroup refuses a safe prime of another size");
+    }
+    for (const char* const unsafe :
+         {example::SMALL_SUBGROUP, example::BEHIND_ANOTHER_BLOCK, example::KNOWN_BY_NAME}) {
+        check(refusalOfGroup(unsafe) == NO_GROUP_TO_USE, "ownGroup refuses a prime that is not safe");
+        check(refusalOfGroup(std::string(GROUP) + unsafe).empty(), "ownGroup goes by the block it loads");
+    }
+
+    check(refusalOfGroup(vorl::DiffieHellmanParams(std::string(GROUP)).toString()) ==
+              "Unable to read DHParams from BIO",
+          "ownGroup refuses what is no PEM");
+    check(refusalOf([] { ownGroup("missing"); }) == "BIO_new_file()", "ownGroup reads a file");
+}
+
+// What a peer sends, of a number of 128 bytes: the version, the length and the number.
+vorl::bytes recordOf(const vorl::bytes& number) {
+    vorl::bytes record{0, 0, 0, 2, 0x80, 0x80};
+    record.insert(record.end(), number.begin(), number.end());
+    return Tarvik::BrisClient::Base64::encode(record);
 }
 
 void checkAgreement() {
-    check(refusalOf([] { keysFrom(vorl::bytes(128)); }) == "the peer has fixed the secret",
-          "keysFrom refuses a secret of zeros");
+    const char fixed[] = "the peer has fixed the secret";
+    check(refusalOf([] { keysFrom(vorl::bytes(128)); }) == fixed, "keysFrom refuses a secret of zeros");
     vorl::bytes secret(128);
     secret.at(100) = 1;
     check(keysFrom(secret) == vorl::ClientKeys(secret), "keysFrom gives the keys of any other secret");
-
-    check(isAccepted(GROUP), "ownGroup takes a safe prime");
-    std::string composite = GROUP;
-    composite.replace(composite.find("aoiFowj"), 7, "aoiFowk");
-    check(!isAccepted(composite), "ownGroup refuses a number that is no prime");
-    check(!isAccepted(vorl::DiffieHellmanParams(std::string(GROUP)).toString()),
-          "ownGroup refuses what is no PEM");
-    check(refusalOf([] { ownGroup("missing"); }) == "this is no group to use: missing",
-          "ownGroup reads a file");
 
     const vorl::DiffieHellmanParams group{std::string(GROUP)};
     const auto one = vorl::DiffieHellman::generate(group);
     const auto other = vorl::DiffieHellman::generate(group);
     check(agreedKeys(*one, other->getPubKey()) == agreedKeys(*other, one->getPubKey()), "agreedKeys agree");
-    check(agreedKeys(*one, other->getPubKey()) == keysFrom(one->computeSharedSecret(other->getPubKey())),
-          "agreedKeys are those of the secret");
+    secret = one->computeSharedSecret(other->getPubKey());
+    check(agreedKeys(*one, other->getPubKey()) == keysFrom(secret), "agreedKeys are those of the secret");
+    check(refusalOf([&] { agreedKeys(*one, recordOf(vorl::bytes(128))); }) == fixed,
+          "agreedKeys refuse a number of 0");
+    const vorl::test::SecretWatch watch(secret);
+    agreedKeys(*one, other->getPubKey());
+    check(watch.releasedWithSecret() == 0, "agreedKeys wipe the secret");
 
     vorl::bytes expected(128);
     expected.at(0) = 1;
@@ -178,11 +269,16 @@ int main(int argc, char** argv) {
         startUp();
         check(vorl::Random::init_, "startUp finds the generator seeded");
         check(isQuiet(), "isQuiet before instrumentation is switched on");
+        vorl::Env::setInstrumentation(vorl::DIFFIE_HELLMAN, true);
+        check(!isQuiet(), "it is not quiet after that");
+        keepQuiet();
+        check(isQuiet(), "keepQuiet switches it off");
         // FIPS 180-4, of "abc".
         check(digestOf(octetsOf("abc")) == "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad",
               "digestOf is SHA-256");
         checkRequests();
         checkCodes();
+        checkGroups();
         checkAgreement();
         checkSignatures(arguments[0], arguments[1]);
     });

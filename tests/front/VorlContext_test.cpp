@@ -15,6 +15,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <string>
@@ -136,6 +137,36 @@ TEST_F(VorlContextTest, ForbiddenEnvelopeIsRefusedAsSuch) {
     EXPECT_EQ(messageOf<VORLException>([&] { context.decrypt(textOf(TEST, octets(20))); }),
               "CipherWrapper CipherWrapper[Test:0x01] not allowed");
     EXPECT_EQ(context.decrypt(textOf(FULL, octets(20))), octets(20));
+}
+
+// It sends as before, though.
+TEST_F(VorlContextTest, ContextOfAForbiddenLevelOpensNothing) {
+    VorlContext none = contextOf(NONE);
+    VorlContext test = contextOf(TEST);
+    VORLLib::setAllowedEncryptionType(EncryptionType::NULL_CIPHER(), false);
+    VORLLib::setAllowedEncryptionType(EncryptionType::TEST_CIPHER(), false);
+    for (VorlContext* const context : {&none, &test}) {
+        EXPECT_EQ(messageOf<VORLException>([&] { context->decrypt(textOf(NONE, octets(20))); }),
+                  "CipherWrapper CipherWrapper[Null:0x00] not allowed");
+        EXPECT_EQ(messageOf<VORLException>([&] { context->decrypt(textOf(TEST, octets(20))); }),
+                  "CipherWrapper CipherWrapper[Test:0x01] not allowed");
+        EXPECT_EQ(messageOf<VORLException>([&] { context->decrypt(textOf(FULL, octets(20))); }),
+                  SPEC_MISMATCH);
+    }
+    EXPECT_EQ(none.encrypt(octets(20)), textOf(NONE, octets(20)));
+    EXPECT_EQ(test.encrypt(octets(20)), textOf(TEST, octets(20)));
+}
+
+// Which is why the level is for tests alone.
+TEST_F(VorlContextTest, TestLevelTakesItsBlocksInAnyOrder) {
+    VorlContext context = contextOf(TEST);
+    bytes message = octets(40);
+    bytes envelope = expectedEnvelope(TEST, KEY, IV, message);
+    // The version and the length are in front of the ciphertext.
+    std::swap_ranges(envelope.begin() + 2, envelope.begin() + 18, envelope.begin() + 18);
+    std::swap_ranges(message.begin(), message.begin() + 16, message.begin() + 16);
+    EXPECT_NE(message, octets(40));
+    EXPECT_EQ(context.decrypt(rawBase64(envelope)), message);
 }
 
 // The policy is about what is received, not about what is sent.

@@ -9,11 +9,11 @@ report() {
     [[ $(grep -c -x -E "$1" load.log) -eq 1 ]] || fail "there is not one line of the kind: $1"
 }
 
-# refuses REASON MESSAGES PROCESS
+# refuses STATUS REASON MESSAGES CONNECTIONS PROCESS
 refuses() {
     local status=0
-    "$programs/load" "$url" "$keys/service.pem" "$2" 1 "$3" >wrong.log 2>wrong.err || status=$?
-    [[ $status -eq 1 && $(<wrong.err) == "load: $1" ]] || fail "it is not refused: $1"
+    "$programs/load" "$url" "$keys/service.pem" "$3" "$4" "$5" >wrong.log 2>wrong.err || status=$?
+    [[ $status -eq $1 && $(<wrong.err) == "load: $2" ]] || fail "it is not refused: $2"
 }
 
 start service "$programs/service" "$keys/service.key.pem"
@@ -34,7 +34,18 @@ awk '/ messages of /{seconds = $7} / requests per second$/{rate = $1}
 [[ $(grep '^received' service.log | sort -u | wc -l) -eq 100 ]] || fail 'the service got some of them twice'
 [[ $(grep -c '^agreed on keys, session ' service.log) -eq 4 ]] || fail 'they are not as many devices'
 
-refuses 'not a number from 1 to 1000000: 0' 0 "$process"
-refuses 'not a number from 1 to 1000000: 1000001' 1000001 "$process"
-refuses 'not a number from 1 to 1000000: 1x' 1x "$process"
-refuses 'the memory of process none is not to be seen' 1 none
+most=$((32 * 65536))
+for messages in 0 $((most + 1)) 1x; do
+    refuses 2 "not a number from 1 to $most: $messages" "$messages" 32 "$process"
+done
+for connections in 0 33 x; do
+    refuses 2 "not a number from 1 to 32: $connections" 1 "$connections" "$process"
+done
+# The process is looked at last: what is refused on its account alone is not too much.
+too_many='more than 65536 messages on one connection: its session takes no more within five minutes'
+no_process='the memory of process none is not to be seen'
+for connections in 1 2 31; do
+    refuses 2 "$too_many" $((connections * 65536 + 1)) "$connections" none
+    refuses 1 "$no_process" $((connections * 65536)) "$connections" none
+done
+refuses 1 "$no_process" $most 32 none

@@ -3,7 +3,8 @@
 //     load URL CERT.pem MESSAGES CONNECTIONS [PROCESS]
 //
 // Each receipt is checked; one that is missing or wrong ends it. PROCESS is the service's, whose memory is to
-// be looked at too.
+// be looked at too. Each connection is one session: its signers keep 65536 nonces at a time, each for as long
+// as all of this may take, so that they refuse what is sent beyond that.
 
 #include "DeviceSession.h"
 
@@ -23,8 +24,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
-const std::size_t MOST_MESSAGES = 1000000;
 const std::size_t MOST_CONNECTIONS = 32;
+const std::size_t MOST_MESSAGES_EACH = 65536;
 const std::chrono::minutes MOST_TIME(5);
 const std::size_t MESSAGE_BYTES = 1024;
 
@@ -35,6 +36,21 @@ std::size_t numberOf(const std::string& text, std::size_t most) {
         refuse("not a number from 1 to " + std::to_string(most) + ": " + text);
     }
     return number;
+}
+
+struct Plan {
+    std::size_t messages;
+    std::size_t connections;
+};
+
+Plan planOf(const std::string& messages, const std::string& connections) {
+    const Plan plan = {numberOf(messages, MOST_MESSAGES_EACH * MOST_CONNECTIONS),
+                       numberOf(connections, MOST_CONNECTIONS)};
+    if (plan.messages > plan.connections * MOST_MESSAGES_EACH) {
+        refuse("more than " + std::to_string(MOST_MESSAGES_EACH) +
+               " messages on one connection: its session takes no more within five minutes");
+    }
+    return plan;
 }
 
 // What one device does: the time of each of its messages.
@@ -80,18 +96,17 @@ void report(std::vector<Milliseconds> times, std::chrono::duration<double> whole
     }
 }
 
-void run(const std::vector<std::string>& arguments) {
+void run(const std::vector<std::string>& arguments, const Plan& plan) {
     startLibrary();
-    const std::size_t messages = numberOf(arguments[2], MOST_MESSAGES);
-    const std::size_t connections = numberOf(arguments[3], MOST_CONNECTIONS);
     const bool seesMemory = arguments.size() == 5;
     if (seesMemory) {
         std::cout << "memory of the service before: " << memoryOf(arguments[4]) << std::endl;
     }
     const auto start = Clock::now();
     std::vector<std::future<std::vector<Milliseconds>>> devices;
-    for (std::size_t device = 0; device < connections; ++device) {
-        const std::size_t share = messages / connections + (device < messages % connections ? 1 : 0);
+    for (std::size_t device = 0; device < plan.connections; ++device) {
+        const std::size_t share =
+            plan.messages / plan.connections + (device < plan.messages % plan.connections ? 1 : 0);
         devices.push_back(
             std::async(std::launch::async, sendAll, arguments[0], arguments[1], share, start + MOST_TIME));
     }
@@ -116,11 +131,14 @@ int main(int argc, char** argv) {
         std::cerr << "usage: load URL CERT.pem MESSAGES CONNECTIONS [PROCESS]\n";
         return 2;
     }
+    int status = 2;
     try {
-        example::run(arguments);
+        const example::Plan plan = example::planOf(arguments[2], arguments[3]);
+        status = 1;
+        example::run(arguments, plan);
         return 0;
     } catch (const std::exception& fault) {
         std::cerr << "load: " << fault.what() << '\n';
-        return 1;
+        return status;
     }
 }

@@ -1,15 +1,14 @@
 #include "BoundedServer.h"
 
-#include <poll.h>
+#include "BoundedStream.h"
+
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
+#include <cctype>
 #include <chrono>
 #include <csignal>
-#include <functional>
 #include <future>
 #include <stdexcept>
 
@@ -21,6 +20,8 @@ using Clock = std::chrono::steady_clock;
 
 const char REFUSAL[] = "HTTP/1.1 403 Forbidden\r\nConnection: close\r\nContent-Length: 0\r\n\r\n";
 const char OF_AN_AUTHORITY[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz-._~:[]";
+// RFC 9110, 5.6.2.
+const char OF_A_NAME[] = "!#$%&'*+-.^_`|~0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 const char SUCCESS[] = "HTTP/1.1 200 ";
 const std::size_t MOST_HEAD_BYTES = 16384;
 const std::chrono::seconds MOST_TIME_OF_A_REQUEST(10);
@@ -30,58 +31,100 @@ const std::chrono::seconds MOST_TIME_OF_A_CONNECTION(60);
 const std::chrono::seconds MOST_TIME_TO_CLOSE(1);
 const std::chrono::milliseconds LOOK_FOR_THE_END(100);
 
+// Whether cpp-httplib takes a request line as others do: it looks for three parts between any blanks, and
+// drops what follows a # in the target.
+bool isRequestLine(const std::string& line) {
+    return std::count(line.begin(), line.end(), ' ') == 2 && line.find_first_of("#\t") == std::string::npos;
+}
+
+// Whether cpp-httplib takes a field as others do: it passes over a line that it does not understand, and
+// decodes %2f and its like, so that others than those on the wire would be verified and obeyed.
+bool isField(const std::string& line) {
+    const std::size_t end = line.find_first_not_of(OF_A_NAME);
+    return end != 0 && end != std::string::npos && line[end] == ':' && line.find('%') == std::string::npos;
+}
+
+bool isControl(char octet) {
+    return octet != '\t' && std::iscntrl(static_cast<unsigned char>(octet)) != 0;
+}
+
+// The head of a request as it comes in. Only one that can be read in one way is let through: whatever stands
+// in front may have read another, and taken the rest of the body for the next request of somebody else.
+class Head {
+public:
+    // Whether the octet may follow those before it, the body's included.
+    bool take(char octet) {
+        if (isRead_) {
+            return true;
+        }
+        line_.push_back(octet);
+        return octet != '\n' || endLine();
+    }
+
+private:
+    bool endLine() {
+        if (line_.size() < 2 || line_.compare(line_.size() - 2, 2, "\r\n") != 0) {
+            return false;
+        }
+        const std::string line = line_.substr(0, line_.size() - 2);
+        line_.clear();
+        if (std::any_of(line.begin(), line.end(), isControl)) {
+            return false;
+        }
+        if (!hasRequestLine_) {
+            hasRequestLine_ = true;
+            return isRequestLine(line);
+        }
+        isRead_ = line.empty();
+        return isRead_ || isField(line);
+    }
+
+    bool hasRequestLine_ = false;
+    bool isRead_ = false;
+    std::string line_;
+};
+
 // A connection, of which cpp-httplib sees one request at a time. The answer goes out as a whole: in pieces,
 // it would wait for the client's acknowledgements.
-class Connection : public httplib::Stream {
+class Connection : public BoundedStream {
 public:
-    Connection(socket_t socket, std::function<bool()> isEnding)
-        : socket_(socket), isEnding_(std::move(isEnding)) {}
+    using BoundedStream::BoundedStream;
 
     // Whether the next request begins.
     bool begin() {
-        deadline_ = Clock::now() + MOST_IDLE_TIME;
-        received_ = 0;
-        head_ = Head::REQUEST_LINE;
-        line_.clear();
+        allowBytes(MOST_HEAD_BYTES + BoundedServer::MOST_BODY_BYTES);
+        allowTime(MOST_IDLE_TIME);
+        head_ = Head();
         answer_.clear();
-        if (isEnding_() || (at_ == filled_ && !fill())) {
+        if (isEnding() || !hasMore()) {
             return false;
         }
-        deadline_ = Clock::now() + MOST_TIME_OF_A_REQUEST;
+        allowTime(MOST_TIME_OF_A_REQUEST);
         return true;
     }
 
     // Sends the answer. Whether there may be another request.
     bool end() {
         const bool isSuccess = answer_.compare(0, sizeof SUCCESS - 1, SUCCESS) == 0;
-        if (!isSuccess) {
-            answer_ = REFUSAL;
-        }
-        deadline_ = Clock::now() + MOST_TIME_OF_A_REQUEST;
-        return flush() && isSuccess;
+        allowTime(MOST_TIME_OF_A_REQUEST);
+        return sendAll(isSuccess ? answer_ : REFUSAL) && isSuccess;
     }
 
     // An answer is lost where the connection is closed while something sent to it was not read.
     void close() {
-        shutdown(socket_, SHUT_WR);
-        deadline_ = Clock::now() + MOST_TIME_TO_CLOSE;
+        shutdown(socket(), SHUT_WR);
+        allowTime(MOST_TIME_TO_CLOSE);
         while (fill()) {
         }
-        ::close(socket_);
+        ::close(socket());
     }
 
     ssize_t read(char* data, std::size_t size) override {
-        if (at_ == filled_ && !fill()) {
-            return -1;
-        }
-        const std::size_t taken =
-            std::min({size, filled_ - at_, MOST_HEAD_BYTES + BoundedServer::MOST_BODY_BYTES - received_});
-        std::copy_n(buffer_.begin() + static_cast<std::ptrdiff_t>(at_), taken, data);
-        at_ += taken;
-        received_ += taken;
-        return taken == 0 || !std::all_of(data, data + taken, [this](char octet) { return isPlain(octet); })
-                   ? -1
-                   : static_cast<ssize_t>(taken);
+        const ssize_t count = BoundedStream::read(data, size);
+        return std::all_of(data, data + std::max<ssize_t>(count, 0),
+                           [this](char octet) { return head_.take(octet); })
+                   ? count
+                   : -1;
     }
 
     ssize_t write(const char* data, std::size_t size) override {
@@ -89,72 +132,8 @@ public:
         return static_cast<ssize_t>(size);
     }
 
-    bool is_readable() const override { return true; }
-    bool is_writable() const override { return true; }
-    void get_remote_ip_and_port(std::string& /*ip*/, int& /*port*/) const override {}
-    void get_local_ip_and_port(std::string& /*ip*/, int& /*port*/) const override {}
-    socket_t socket() const override { return socket_; }
-
 private:
-    enum class Head { REQUEST_LINE, FIELDS, READ };
-
-    // cpp-httplib drops what follows a # in the target, and decodes %2f and its like in the fields: others
-    // than those on the wire would be verified and obeyed.
-    bool isPlain(char octet) {
-        if (head_ == Head::READ) {
-            return true;
-        }
-        if (octet == (head_ == Head::REQUEST_LINE ? '#' : '%')) {
-            return false;
-        }
-        // A line of LF alone does not end the fields for cpp-httplib.
-        line_.push_back(octet);
-        if (octet == '\n') {
-            head_ = head_ == Head::FIELDS && line_ == "\r\n" ? Head::READ : Head::FIELDS;
-            line_.clear();
-        }
-        return true;
-    }
-
-    bool await(short event) const {
-        pollfd one{socket_, event, 0};
-        int ready = 0;
-        while (ready == 0 && Clock::now() < deadline_ && (event == POLLOUT || !isEnding_())) {
-            ready = poll(&one, 1, static_cast<int>(LOOK_FOR_THE_END.count()));
-            ready = ready < 0 && errno == EINTR ? 0 : ready;
-        }
-        return ready > 0;
-    }
-
-    bool fill() {
-        const ssize_t count = await(POLLIN) ? recv(socket_, buffer_.data(), buffer_.size(), MSG_DONTWAIT) : 0;
-        at_ = 0;
-        filled_ = count > 0 ? static_cast<std::size_t>(count) : 0;
-        return count > 0;
-    }
-
-    bool flush() {
-        while (!answer_.empty()) {
-            const ssize_t count =
-                await(POLLOUT) ? send(socket_, answer_.data(), answer_.size(), MSG_DONTWAIT | MSG_NOSIGNAL)
-                               : -1;
-            if (count < 0) {
-                return false;
-            }
-            answer_.erase(0, static_cast<std::size_t>(count));
-        }
-        return true;
-    }
-
-    socket_t socket_;
-    std::function<bool()> isEnding_;
-    Clock::time_point deadline_;
-    std::size_t received_ = 0;
-    Head head_ = Head::REQUEST_LINE;
-    std::string line_;
-    std::array<char, 16384> buffer_{};
-    std::size_t at_ = 0;
-    std::size_t filled_ = 0;
+    Head head_;
     std::string answer_;
 };
 

@@ -1,6 +1,7 @@
 #ifndef EXAMPLES_HTTP_DEVICESESSION_H
 #define EXAMPLES_HTTP_DEVICESESSION_H
 
+#include "BoundedClient.h"
 #include "protocol.h"
 
 #include <functional>
@@ -16,7 +17,7 @@ public:
     /// Takes each record that goes over the wire, by a name for it.
     using Keep = std::function<void(const std::string& name, const std::string& record)>;
 
-    /// `url` is the service's, without a path; the certificate, a PEM file, proves that it is.
+    /// `url` is the service's, by http and without a path; the certificate, a PEM file, proves that it is.
     DeviceSession(std::string url, const std::string& certificate, Keep keep = nullptr);
 
     /// The name of the session.
@@ -32,7 +33,7 @@ private:
     bool isSigned(const vorl::bytes& data, const std::string& signature) const;
 
     std::string url_;
-    httplib::Client client_;
+    BoundedClient client_;
     std::shared_ptr<const vorl::X509Cert> certificate_;
     Keep keep_;
     std::string session_;

@@ -4,6 +4,7 @@
 //     other_refusals_test PRIVATE.pem CERT.pem OTHER-PRIVATE.pem
 
 #include "../checks.h"
+#include "BoundedClient.h"
 #include "BoundedServer.h"
 #include "DeviceSession.h"
 
@@ -11,7 +12,10 @@
 #include <sys/socket.h>
 #include <tarvik/crypto/HttpRequestSigner.h>
 
+#include <atomic>
+#include <chrono>
 #include <future>
+#include <optional>
 #include <thread>
 
 namespace example {
@@ -28,6 +32,32 @@ struct Keys {
     std::string certificate;
     std::shared_ptr<const vorl::PrivKey> service;
     std::shared_ptr<const vorl::PrivKey> other;
+};
+
+// Runs a server as long as it is there itself.
+class Listener {
+public:
+    explicit Listener(httplib::Server& server)
+        : server_(server), url_("http://127.0.0.1:" + std::to_string(server.bind_to_any_port("127.0.0.1"))) {
+        listening_ = std::async(std::launch::async, [this] { server_.listen_after_bind(); });
+        while (!server_.is_running()) {
+            std::this_thread::yield();
+        }
+    }
+    ~Listener() {
+        server_.stop();
+        listening_.get();
+    }
+
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+    const std::string& url() const { return url_; }
+
+private:
+    httplib::Server& server_;
+    const std::string url_;
+    std::future<void> listening_;
 };
 
 // What a service does, as it should be unless something else is set.
@@ -49,21 +79,10 @@ public:
         server_.Post(MESSAGES, [this](const httplib::Request& request, httplib::Response& response) {
             answer(request, response);
         });
-        url_ = "http://127.0.0.1:" + std::to_string(server_.bind_to_any_port("127.0.0.1"));
-        listener_ = std::async(std::launch::async, [this] { server_.listen_after_bind(); });
-        while (!server_.is_running()) {
-            std::this_thread::yield();
-        }
-    }
-    ~Service() {
-        server_.stop();
-        listener_.get();
+        listener_.emplace(server_);
     }
 
-    Service(const Service&) = delete;
-    Service& operator=(const Service&) = delete;
-
-    const std::string& url() const { return url_; }
+    const std::string& url() const { return listener_->url(); }
 
 private:
     static std::string signatureOver(const vorl::bytes& data,
@@ -91,8 +110,8 @@ private:
 
     void answer(const httplib::Request& request, httplib::Response& response) {
         tarvik::http::HttpResponse answer;
-        answer.answered = {request.method, url_ + request.target, fieldsOf(request.headers),
-                           octetsOf(request.body)};
+        answer.answered = {request.method, "http://" + request.get_header_value("Host") + request.target,
+                           fieldsOf(request.headers), octetsOf(request.body)};
         const std::string receipt = receiptFor(conduct_.received);
         answer.content = octetsOf(textOf(vorl::VorlContext(key_).encrypt(octetsOf(receipt))) + '\n' +
                                   signatureOver(signedReceiptOf(conduct_.session, receipt),
@@ -108,8 +127,7 @@ private:
     const Conduct conduct_;
     vorl::bytes key_;
     httplib::Server server_;
-    std::string url_;
-    std::future<void> listener_;
+    std::optional<Listener> listener_;
 };
 
 void checkDevice(const Keys& keys) {
@@ -141,7 +159,117 @@ void checkDevice(const Keys& keys) {
           "not even the service fixes the secret");
     conduct = {};
     conduct.excessBytes = 65536;
-    check(refusalBy(conduct) == "no answer: Canceled", "an answer is not read without end");
+    check(refusalBy(conduct) == "no answer: Read", "an answer is not read without end");
+}
+
+// A service that answers by a beginning, and then by a piece again and again, as long as somebody listens.
+class EndlessServer : public httplib::Server {
+public:
+    EndlessServer(std::string beginning, std::string piece, std::size_t pieces,
+                  std::chrono::milliseconds pause = {})
+        : beginning_(std::move(beginning)), piece_(std::move(piece)), pieces_(pieces), pause_(pause) {}
+
+    // Whether the other side was gone before all pieces were sent.
+    bool isLeft() const { return isLeft_; }
+
+private:
+    bool process_and_close_socket(socket_t socket) override {
+        bool isLeft = !isSent(socket, beginning_);
+        for (std::size_t piece = 0; piece < pieces_ && !isLeft; ++piece) {
+            std::this_thread::sleep_for(pause_);
+            isLeft = !isSent(socket, piece_);
+        }
+        isLeft_ = isLeft;
+        close(socket);
+        return true;
+    }
+
+    static bool isSent(socket_t socket, const std::string& text) {
+        std::size_t sent = 0;
+        while (sent < text.size()) {
+            const ssize_t count = send(socket, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
+            if (count < 0) {
+                return false;
+            }
+            sent += static_cast<std::size_t>(count);
+        }
+        return true;
+    }
+
+    const std::string beginning_;
+    const std::string piece_;
+    const std::size_t pieces_;
+    const std::chrono::milliseconds pause_;
+    std::atomic<bool> isLeft_ = false;
+};
+
+struct Flood {
+    const char* what;
+    const char* beginning;
+    const char* piece;
+};
+const Flood FLOODS[] = {
+    {"endless fields", "HTTP/1.1 200 OK\r\n", "A: b\r\n"},
+    {"an endless field", "HTTP/1.1 200 OK\r\nA: ", "b"},
+    {"an endless status line", "HTTP/1.1 200 ", "b"},
+    {"an endless first word", "", "b"},
+    {"answers without end before the answer", "", "HTTP/1.1 100 Continue\r\n\r\n"},
+    {"an endless body", "HTTP/1.1 200 OK\r\n\r\n", "b"},
+    {"an endless size of a chunk", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n", "0"},
+    {"endless fields behind the chunks", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n",
+     "A: b\r\n"},
+};
+
+// More than the system takes for a device that does not read it.
+const std::size_t FLOOD_BYTES = 67108864;
+
+void checkFlood(const Flood& flood, const std::string& certificate) {
+    std::string piece;
+    while (piece.size() < 65536) {
+        piece += flood.piece;
+    }
+    EndlessServer server(flood.beginning, piece, FLOOD_BYTES / piece.size());
+    std::string refusal;
+    {
+        const Listener listener(server);
+        refusal = refusalOf([&] { DeviceSession(listener.url(), certificate).agree(); });
+    }
+    check(refusal == "no answer: Read" && server.isLeft(),
+          std::string(flood.what) + ": refused by the device, not by its end: " + refusal);
+}
+
+void checkFloods(const Keys& keys) {
+    for (const Flood& flood : FLOODS) {
+        checkFlood(flood, keys.certificate);
+    }
+}
+
+// Each field comes in time.
+void checkTrickle() {
+    EndlessServer server("HTTP/1.1 200 OK\r\n", "A: b\r\n", 3000, std::chrono::milliseconds(10));
+    {
+        const Listener listener(server);
+        BoundedClient client(listener.url(), 65536, std::chrono::milliseconds(200));
+        check(client.Get("/").error() == httplib::Error::Read, "an answer is not waited for without end");
+    }
+    check(server.isLeft(), "who sends bit by bit is left alone");
+}
+
+void checkUrls() {
+    const auto refusalOfUrl = [](const std::string& url) {
+        return refusalOf([&] { BoundedClient(url, 1, std::chrono::seconds(1)); });
+    };
+    for (const std::string url :
+         {"http://127.0.0.1", "http://127.0.0.1:80", "http://[::1]:65535", "http://service.example"}) {
+        check(refusalOfUrl(url).empty(), url + " is a service's");
+    }
+    for (const std::string url : {"", "127.0.0.1:80", "https://127.0.0.1", "http://", "http://:80",
+                                  "http://127.0.0.1:", "http://127.0.0.1:x", "http://127.0.0.1:655360",
+                                  "http://127.0.0.1/", "http://127.0.0.1?q", "http://127.0.0.1#f",
+                                  "http://user@127.0.0.1", "http://::1", "http://[::1", "http://a b"}) {
+        check(refusalOfUrl(url) == "this is no http URL of a service without a path: " + url,
+              url + " is refused");
+    }
 }
 
 void checkDeviceAlone(const Keys& keys) {
@@ -183,6 +311,9 @@ int main(int argc, char** argv) {
         const example::Keys keys = {arguments[1], vorl::PrivKey::loadFromPEMFile(arguments[0]),
                                     vorl::PrivKey::loadFromPEMFile(arguments[2])};
         example::checkDevice(keys);
+        example::checkFloods(keys);
+        example::checkTrickle();
+        example::checkUrls();
         example::checkDeviceAlone(keys);
         example::checkLostPort();
     });

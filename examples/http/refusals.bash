@@ -36,7 +36,7 @@ refused head-only "HEAD /v1/agree HTTP/1.1\r\n$host\r\n" 'nothing is served ther
 refused no-host "POST /v1/agree HTTP/1.1\r\nContent-Length: 0\r\n\r\n" 'a request names no host, or several'
 refused two-hosts "POST /v1/agree HTTP/1.1\r\n$host${host}Content-Length: 0\r\n\r\n" 'a request names no host, or several'
 addressed='a request is not addressed by host and path'
-for wrong in '127.0.0.1/x' '127.0.0.1?q=' '127.0.0.1#x' 'x@127.0.0.1' '127.0.0.1 x' '127.0.0.1\\x' '127.0.0.1\x01'; do
+for wrong in '127.0.0.1/x' '127.0.0.1?q=' '127.0.0.1#x' 'x@127.0.0.1' '127.0.0.1 x' '127.0.0.1\\x'; do
     refused "host-$((++hosts))" "POST /v1/messages HTTP/1.1\r\nHost: $wrong\r\n${type}Content-Length: 5\r\n\r\nAAAA\n" "$addressed"
 done
 refused no-slash "POST %2fv1/messages HTTP/1.1\r\n$host${type}Content-Length: 5\r\n\r\nAAAA\n" "$addressed"
@@ -49,7 +49,21 @@ refused fragment "POST /v1/agree#x HTTP/1.1\r\n$host${type}Content-Length: 5\r\n
 refused encoded-length "${agree}Content-Length: %35\r\n\r\nAAAA\n" unread
 refused encoded-type "POST /v1/agree HTTP/1.1\r\n${host}Content-Type: a%2fb\r\nContent-Length: 5\r\n\r\nAAAA\n" unread
 refused encoded-host "POST /v1/agree HTTP/1.1\r\nHost: %3127.0.0.1\r\nContent-Length: 5\r\n\r\nAAAA\n" unread
-refused encoded-behind-bare-line "POST /v1/agree HTTP/1.1\r\n$host\nX\n\nContent-Length: %35\r\n\r\nAAAA\n" unread
+refused two-blanks "POST  /v1/agree HTTP/1.1\r\n$host${type}Content-Length: 5\r\n\r\nAAAA\n" unread
+refused tab-and-blank "POST\t /v1/agree HTTP/1.1\r\n$host${type}Content-Length: 5\r\n\r\nAAAA\n" unread
+refused bare-request-line "POST /v1/agree HTTP/1.1\n$host${type}Content-Length: 5\r\n\r\nAAAA\n" unread
+malformed=0
+chunked='Transfer-Encoding: chunked'
+for line in 'Transfer-Encoding : chunked\r\n' 'Transfer-Encoding\t: chunked\r\n' " $chunked\r\n" "\t$chunked\r\n" \
+    "X: a\r\n $chunked\r\n" "X: a\r\n\t$chunked\r\n" 'Content-Length: 3\n' '\n' "\n$chunked\r\n" \
+    "X: a\r$chunked\r\n" "X: a\r\r\n" '\r\r\n' "X: a\0b\r\n" "X: a\x01b\r\n" "X: a\x7fb\r\n" "X\0: a\r\n" \
+    'X\r\n' ': a\r\n' 'X(: a\r\n' 'X\xe4: a\r\n'; do
+    refused "malformed-$((++malformed))" "$agree${line}Content-Length: 5\r\n\r\nAAAA\n" unread
+done
+# Others that look like them are read, and refused for what is in the body.
+for line in 'X:\r\n' 'X:a:b\r\n' 'X: a\tb \t\r\n' 'X: \xe4\r\n' "!#\$&'*+-.^_\x60|~09AZaz: a\r\n"; do
+    refused "well-formed-$((++malformed))" "$agree${line}Content-Length: 5\r\n\r\n!!!!\n" 'Unable to Base64 decode input:'
+done
 refused percent-in-body "${agree}Content-Length: 5\r\n\r\n%%41\n" 'Unable to Base64 decode input:'
 refused no-length "$agree\r\nAAAA\n" "$plainly"
 refused two-lengths "${agree}Content-Length: 5\r\nContent-Length: 6\r\n\r\nAAAA\n" "$plainly"
@@ -115,7 +129,7 @@ status=0
 [[ $status -eq 1 && ! -s device.log && $(<device.err) == 'device: missing cannot be read' ]] || fail 'a missing file is sent'
 status=0
 "$programs/device" "$url/" "$keys/service.pem" "$keys/service.pem" >device.log 2>device.err || status=$?
-[[ $status -eq 1 && $(<device.err) == "device: this is no URL of a service without a path: $url/" ]] || fail 'a path is dropped'
+[[ $status -eq 1 && $(<device.err) == "device: this is no http URL of a service without a path: $url/" ]] || fail 'a path is dropped'
 
 status=0
 "$programs/device" "$url" "$keys/service.pem" "$keys/service.pem" missing >device.log 2>device.err || status=$?

@@ -124,7 +124,7 @@ const char NO_GROUP_TO_USE[] = "this is no group to use: security_doc_group.pem"
 std::string refusalOfGroup(const std::string& text) {
     const std::string fileName = "security_doc_group.pem";
     std::ofstream(fileName) << text;
-    const std::string refusal = refusalOf([&] {
+    std::string refusal = refusalOf([&] {
         check(ownGroup(fileName) == vorl::DiffieHellmanParams(text), "ownGroup gives what is in the file");
     });
     check(std::remove(fileName.c_str()) == 0, "the group is a file");

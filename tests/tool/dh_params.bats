@@ -78,6 +78,20 @@ load dh_support
     equals "$output" "$shown"
 }
 
+@test "a number that is 0 is not taken for the other one" {
+    # DER of two integers: the generator 5 without a prime, and the prime 5 without a generator.
+    octets 3006020100020105 >no-prime
+    octets 3006020105020100 >no-generator
+    succeeds vorl dh params show no-prime
+    equals "${lines[0]}" "bits in the prime: 0"
+    succeeds vorl dh params show no-generator
+    equals "${lines[0]}" "bits in the prime: 3"
+    for group in no-prime no-generator; do
+        run -1 --separate-stderr vorl dh params check "$group"
+        contains "$output" "FAULT  "
+    done
+}
+
 @test "text around the PEM block is passed over" {
     openssl dhparam -in "$GROUP" -text >text
     succeeds vorl dh params show text
@@ -140,4 +154,18 @@ FAULT  the prime is not a safe one: half of it is not prime"
     run --separate-stderr vorl dh params check blocks
     equals "$status" 1
     contains "$output" "FAULT  the generator is not suitable: it has to lie between 1 and the prime - 1"
+}
+
+@test "a group that OpenSSL knows by name is held to a safe prime, too" {
+    # RFC 5114, section 2.1: its subgroup has 160 bits.
+    openssl genpkey -genparam -algorithm DHX -pkeyopt dh_rfc5114:1 -outform DER >x942
+    local p g
+    p=$(openssl asn1parse -inform DER -in x942 | sed -n 's/.*INTEGER *://p' | sed -n 1p)
+    g=$(openssl asn1parse -inform DER -in x942 | sed -n 's/.*INTEGER *://p' | sed -n 2p)
+    octets "8080${p}8080$g" >blocks
+    run --separate-stderr vorl dh params check blocks
+    equals "$status" 1
+    equals "$output" "bits in the prime: 1024
+FAULT  the prime is not a safe one: half of it is not prime"
+    equals "$stderr" "vorl: error: the group in 'blocks' is not to be used"
 }

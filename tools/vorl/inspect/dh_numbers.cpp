@@ -10,6 +10,7 @@
 #include "vorl/VORLException.h"
 
 #include <algorithm>
+#include <utility>
 
 // A group is two blocks, a key pair four:
 //
@@ -121,6 +122,18 @@ void hidePrivateKey(const bytes& record, Report& report) {
     }
 }
 
+// A block of one zero, which is read as 0; no bytes would not be written.
+OctetString blockOf(const bytes& number) {
+    return OctetString(number.empty() ? bytes{0} : number);
+}
+
+bool areOf(const DiffieHellmanParams& group, const GroupNumbers& numbers) {
+    Buffer encoded;
+    encoded.put(blockOf(numbers.prime));
+    encoded.put(blockOf(numbers.generator));
+    return *DiffieHellmanParams::decode(encoded) == group;
+}
+
 }  // namespace
 
 std::uint64_t bitsOf(const bytes& number) {
@@ -147,13 +160,16 @@ std::string wrongSizeText(std::uint64_t primeBits) {
 GroupNumbers numbersOf(const DiffieHellmanParams& group) {
     Buffer encoded;
     group.encode(encoded);
-    // A number that is 0 leaves no block behind.
     const auto next = [&encoded] {
         return encoded.ridx() < encoded.widx() ? encoded.nextOctetString().takeBytes() : bytes();
     };
     GroupNumbers numbers;
     numbers.prime = next();
     numbers.generator = next();
+    // A number that is 0 leaves no block behind: the one that is there may be either.
+    if (numbers.generator.empty() && !areOf(group, numbers)) {
+        std::swap(numbers.prime, numbers.generator);
+    }
     return numbers;
 }
 

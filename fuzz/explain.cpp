@@ -23,7 +23,10 @@ tool::Explanation explained(unsigned int choice, const bytes& record) {
     const tool::Explained input = {record, record, std::nullopt};
     switch (choice % 8) {
         case 0:
-            return explainDhRecord(input, (choice & 8U) == 0 ? nullptr : &group());
+            if ((choice & 8U) == 0) {
+                return explainDhRecord(input);
+            }
+            return explainDhRecord(input, tool::PeerGroup{group(), (choice & 16U) != 0});
         case 1:
             return explainSignature(input);
         default:

@@ -8,8 +8,10 @@ namespace {
 
 using vorl::bytes;
 using vorl::test::fromText;
+using vorl::test::operator+;
 using vorl::tool::decodeBase64Text;
 using vorl::tool::DecodedText;
+using vorl::tool::isNearlyBase64;
 using vorl::tool::resemblesBase64;
 using vorl::tool::sizeWithoutNewline;
 
@@ -76,7 +78,22 @@ TEST_P(DecodeBadText, GivesTheReasonAndItsPlace) {
 INSTANTIATE_TEST_SUITE_P(Reasons, DecodeBadText, ::testing::ValuesIn(BAD_TEXTS),
                          [](const auto& test) { return test.param.name; });
 
-TEST(ResemblesBase64, TakesItsAlphabetAndWhiteSpaceOnly) {
+TEST(ResemblesBase64, TakesOneForeignCharacterIn16) {
+    EXPECT_TRUE(resemblesBase64(fromText("Zm9vYmFyZm9v!mFy")));
+    EXPECT_FALSE(resemblesBase64(fromText("Zm9vYmFyZm9v!mF")));
+    EXPECT_FALSE(resemblesBase64(fromText("Zm9vYmFyZm9v!mF-")));
+    EXPECT_TRUE(resemblesBase64(fromText("~m9vYmFyZm9vYmFyZm9vYmFyZm9vYmF~")));
+}
+
+TEST(ResemblesBase64, TakesPrintableTextOnly) {
+    for (const unsigned char foreign : {0x00, 0x1f, 0x7f, 0x80, 0xff}) {
+        const bytes input = fromText("Zm9vYmFyZm9vYmFyZm9vYmFy") + bytes{foreign};
+        EXPECT_FALSE(resemblesBase64(input)) << static_cast<unsigned int>(foreign);
+        EXPECT_TRUE(isNearlyBase64(input)) << static_cast<unsigned int>(foreign);
+    }
+}
+
+TEST(ResemblesBase64, TakesItsAlphabetAndWhiteSpace) {
     EXPECT_TRUE(resemblesBase64(fromText("AZaz09+/=\r\n\t ")));
     EXPECT_FALSE(resemblesBase64(fromText("")));
     EXPECT_FALSE(resemblesBase64(fromText("Zm-v")));

@@ -32,18 +32,18 @@ refused() {
     succeeds vorl explain letter
     contains "$output" "envelope, given as Base64 text: 35 bytes in 48 characters"
     contains "$output" $'\nlevels that the policy accepts: full\nlevel of the context: full\n\nChecks, in the order of the library:\n'
-    equals "$(checks)" "10 passes,1 needs the key"
-    contains "$output" $'\nneeds the key  the key opens the body'
+    equals "$(checks)" "10 passed,1 needs the key"
+    contains "$output" $'\nneeds the key  the key must open the body'
 }
 
 @test "with the key, the decryption is tried" {
     full_envelope <note >letter
     succeeds vorl explain -k key letter
-    equals "$(checks)" "11 passes"
+    equals "$(checks)" "11 passed"
     contains "$output" $'\n\nAll checks pass, but an envelope carries no signature: anybody who has the key can have made it, and a damaged one may open all the same.'
     echo "$WRONG_KEY_HEX" >wrong
     refused 4 "'letter', at offset 18: wrong key or damaged data" vorl explain -k wrong letter
-    equals "$(checks)" "10 passes,1 REFUSES"
+    equals "$(checks)" "10 passed,1 REFUSED"
 }
 
 @test "how a decryption failed is not told, and the message is not shown" {
@@ -63,24 +63,24 @@ refused() {
     test_envelope <note | base64_text >letter
     refused 1 "'letter', at offset 0: the level test is not accepted" vorl explain letter
     contains "$output" 'the library says: CipherWrapper CipherWrapper[Test:0x01] not allowed'
-    equals "$(checks)" "3 passes,1 REFUSES,7 not reached"
+    equals "$(checks)" "3 passed,1 REFUSED,7 not reached"
 }
 
 @test "a level that is accepted is refused by a context of another one, with status 1" {
     test_envelope <note | base64_text >letter
     refused 1 "'letter', at offset 0: the context is of the level full" vorl explain --accept full,test letter
     contains "$output" 'the library says: Cipher spec mismatch between cipher and wrapper'
-    equals "$(checks)" "4 passes,1 REFUSES,6 not reached"
+    equals "$(checks)" "4 passed,1 REFUSED,6 not reached"
     succeeds vorl explain --accept full,test --level test letter
-    equals "$(checks)" "10 passes,1 needs the key"
+    equals "$(checks)" "10 passed,1 needs the key"
     succeeds vorl explain --accept full,test --level test -k key letter
-    equals "$(checks)" "11 passes"
+    equals "$(checks)" "11 passed"
 }
 
 @test "the level none needs no key" {
     octets 0003616263 >letter
     succeeds vorl explain --accept none --level none letter
-    equals "$(checks)" "11 passes"
+    equals "$(checks)" "11 passed"
     contains "$output" $'\n\nAll checks pass, but an envelope of the level none is not protected: anybody can have made it.'
 }
 
@@ -101,7 +101,7 @@ refused() {
     { full_envelope <note && octets 0000; } >letter
     refused 3 "'letter', at offset 35: 2 more bytes follow" vorl explain letter
     contains "$output" "the library says: Buffer is not empty after parsing decrypted data; 2 bytes remain"
-    equals "$(checks)" "8 passes,1 REFUSES,2 not reached"
+    equals "$(checks)" "8 passed,1 REFUSED,2 not reached"
 }
 
 @test "a text that is not Base64 is refused at its character" {
@@ -110,15 +110,92 @@ refused() {
     equals "$status" 3
     contains "$stderr" "vorl: error: 'text', at character "
     contains "$output" 'the library says: index out of bounds: read index('
-    equals "$(checks)" "1 passes,1 REFUSES,9 not reached"
+    equals "$(checks)" "1 passed,1 REFUSED,9 not reached"
     refused 3 "'/dev/null', at character 0: the input is empty, which leaves an envelope without a byte" \
         vorl explain /dev/null
+}
+
+# damaged FILE COLUMN [CHARACTER]: the file with one character, counted from 0, replaced.
+damaged() {
+    local text
+    text=$(cat "$1")
+    printf %s "${text:0:$2}${3-!}${text:$(($2 + 1))}"
+}
+
+@test "one foreign character in a text is refused as the library refuses it" {
+    local foreign="a character that Base64 does not have: 0x21"
+    full_envelope <note | base64_text >letter
+    damaged letter 10 >bad
+    for options in "" "--as envelope" "-k key" "--as envelope -k key"; do
+        # shellcheck disable=SC2086
+        refused 3 "'bad', at character 10: $foreign, which leaves an envelope without a byte" vorl explain $options bad
+        equals "$(checks)" "1 passed,1 REFUSED,9 not reached"
+        contains "$output" $'\n             the library says: index out of bounds: read index(0) >= write index(0)\n'
+    done
+    { octets 000000028080 && bytes_of 128; } | base64_text >peer
+    damaged peer 40 >bad
+    for options in "" "--as dh-record" "-p $GROUP"; do
+        # shellcheck disable=SC2086
+        refused 3 "'bad', at character 40: $foreign" vorl explain $options bad
+        contains "$output" "the library says: Unable to Base64 decode input:"
+        equals "$(checks)" "1 REFUSED,6 not reached"
+    done
+    { octets 018080 && bytes_of 128; } | base64_text >record
+    damaged record 0 >bad
+    refused 3 "'bad', at character 0: $foreign, which leaves a record without a byte" vorl explain --as signature bad
+    contains "$output" "the library says: index out of bounds: read index(0) >= write index(0)"
+    equals "$(checks)" "1 REFUSED,5 not reached"
+}
+
+@test "a text is refused as one however much of it is foreign" {
+    # A byte order mark; a byte that is no ASCII; what was never Base64.
+    full_envelope <note | base64_text >letter
+    { octets efbbbf && cat letter; } >marked
+    refused 3 "'marked', at character 0: a character that Base64 does not have: 0xef, which leaves an envelope without a byte" \
+        vorl explain marked
+    damaged letter 10 $'\xe4' >bad
+    refused 3 "'bad', at character 10: a character that Base64 does not have: 0xe4, which leaves an envelope without a byte" \
+        vorl explain bad
+    printf '{"no": "envelope"}' >other
+    refused 3 "'other', at character 0: a character that Base64 does not have: 0x7b, which leaves an envelope without a byte" \
+        vorl explain other
+    # A record is none, though nearly all of it is.
+    { octets 0040 && printf '%064d' 0; } >plain
+    succeeds vorl explain --accept none --level none plain
+    head -c 50 plain >cut
+    refused 3 "'cut', at offset 2: the body is cut short: 64 bytes announced, 48 there" \
+        vorl explain --accept none --level none cut
+}
+
+@test "a newline behind a text is told, since the library refuses a text with it" {
+    local remark=": without the newline at its end, with which the library would refuse it"
+    full_envelope <note | base64_text >letter
+    { octets 000000028080 && bytes_of 128; } | base64_text >peer
+    { octets 018080 && bytes_of 128; } | base64_text >record
+    for newline in '\n' '\r\n'; do
+        # shellcheck disable=SC2059
+        for text in letter peer record; do
+            { cat "$text" && printf "$newline"; } >"$text.txt"
+        done
+        succeeds vorl explain letter.txt
+        contains "$output" $'\npassed         a version byte must be there'"$remark"$'\n'
+        succeeds vorl explain peer.txt
+        contains "$output" $'\npassed           the text must be Base64, of one byte or more'"$remark"$'\n'
+        succeeds vorl explain record.txt
+        contains "$output" "a version byte must be there$remark"$'\n'
+    done
+    succeeds vorl explain --json letter.txt
+    contains "$(members reason)" "\"\",\"${remark#: }\",\"the level full\""
+    for text in letter peer record; do
+        succeeds vorl explain "$text"
+        run ! grep -q 'newline' <<<"$output"
+    done
 }
 
 @test "a public key record is explained up to its group" {
     { octets 000000028080 && bytes_of 128; } | base64_text >peer
     succeeds vorl explain peer
-    equals "$(checks)" "5 passes,2 needs the group"
+    equals "$(checks)" "5 passed,2 needs the group"
     { octets 000000028077 && bytes_of 127; } >short
     refused 3 "'short', at offset 4: it has 119 bytes" vorl explain short
     contains "$output" "the library says: DH public key from server is 119bytes, expected 120-129"
@@ -130,12 +207,12 @@ refused() {
 @test "with the group, its size and the number are judged" {
     { octets 000000028080 && bytes_of 128; } | base64_text >peer
     succeeds vorl explain -p "$GROUP" peer
-    equals "$(checks)" "7 passes"
+    equals "$(checks)" "7 passed"
     equals "$(tail -n 2 <<<"$output")" $'\nAll checks pass, but a record carries no signature, so that something else has to prove who made it.'
     openssl dhparam -outform DER -out group 512 2>/dev/null
     refused 3 "'peer': the group has 512 bits, and a secret is agreed in one of 1024" vorl explain --params group peer
     contains "$output" "the library says: DH shared secret size (64) != 128"
-    equals "$(checks)" "5 passes,1 REFUSES,1 not reached"
+    equals "$(checks)" "5 passed,1 REFUSED,1 not reached"
     refuses 3 "'note' holds no Diffie-Hellman parameters: it is neither PEM text nor DER nor the encoding of a group" "" \
         vorl explain -p note peer
     refuses 2 "standard input cannot be both the record and the group" "name a file for one of them" vorl explain -p - - <peer
@@ -146,21 +223,41 @@ refused() {
     for number in 0 1; do
         peer_text "$number" >peer
         refused 4 "'peer', at offset 4: it is $number$fixed" vorl explain peer
-        equals "$(checks)" "5 passes,1 needs the group,1 WARNS"
+        equals "$(checks)" "5 passed,1 needs the group,1 WARNING"
     done
     equals "$(tail -n 2 <<<"$output")" $'\nThe library refuses nothing here, and no keys should be derived all the same.'
     local last
     last=$(prime)
     peer_text "${last%f}e" >peer
     refused 4 "'peer', at offset 4: it is the prime less 1$fixed" vorl explain -p "$GROUP" peer
-    equals "$(checks)" "6 passes,1 WARNS"
+    equals "$(checks)" "6 passed,1 WARNING"
     run --separate-stderr vorl explain --json -p "$GROUP" peer
     equals "$(members outcome)" '"passes","passes","passes","passes","passes","passes","warns"'
     equals "$(members offset)" 'null,null,null,null,null,null,4'
     # Whose record that is, it takes the group to see.
     succeeds vorl explain peer
-    equals "$(checks)" "5 passes,2 needs the group"
+    equals "$(checks)" "5 passed,2 needs the group"
     contains "$output" $'\nNo check that was made refuses it, which does not make it valid: others were not made, and\n'
+}
+
+@test "what a number does in a group that has faults is not told" {
+    local last even
+    last=$(prime)
+    even=${last%f}e
+    # DER of that modulus and the generator 2.
+    octets "30818702818100${even}020102" >group
+    run -1 vorl dh params check group
+    peer_text 1234 >peer
+    refused 1 "'peer': the group has faults, which 'vorl dh params check' tells; the library does not look for them" \
+        vorl explain -p group peer
+    equals "$(checks)" "5 passed,1 WARNING,1 needs a group without faults"
+    equals "$(tail -n 2 <<<"$output")" $'\nThe library refuses nothing here, and no keys should be derived all the same.'
+    peer_text 1 >peer
+    run -1 --separate-stderr vorl explain --json -p group peer
+    equals "$(members outcome)" '"passes","passes","passes","passes","passes","warns","warns"'
+    # No fault is that of a group of another size.
+    openssl dhparam -outform DER -out group 512 2>/dev/null
+    refused 3 "'peer': the group has 512 bits, and a secret is agreed in one of 1024" vorl explain -p group peer
 }
 
 @test "with the key and what was signed, a signature is verified" {
@@ -170,20 +267,20 @@ refused() {
     openssl dgst -sha1 -sign signer.pem -out value note
     { octets 018080 && cat value; } | base64_text >record
     succeeds vorl explain --public-key signer.pub --signed note record
-    equals "$(checks)" "6 passes"
+    equals "$(checks)" "6 passed"
     contains "$output" $'\n\nAll checks pass, but whose key that is, they do not say.'
     succeeds vorl explain --cert service.crt --signed - record <note
-    equals "$(checks)" "6 passes"
+    equals "$(checks)" "6 passed"
     succeeds vorl explain --cert service.crt record
-    equals "$(checks)" "5 passes,1 needs the input"
+    equals "$(checks)" "5 passed,1 needs the input"
     succeeds vorl explain --signed note record
-    equals "$(checks)" "4 passes,2 needs the public key"
+    equals "$(checks)" "4 passed,2 needs the public key"
     refused 1 "'record', at offset 1: the key has not made it over this input" \
         vorl explain --public-key signer.pub --signed key record
-    equals "$(checks)" "5 passes,1 REFUSES"
+    equals "$(checks)" "5 passed,1 REFUSED"
     refused 1 "'record', at offset 1: it has 128 bytes, and the modulus 256 bytes" \
         vorl explain --public-key other.pub --signed note record
-    equals "$(checks)" "4 passes,1 REFUSES,1 not reached"
+    equals "$(checks)" "4 passed,1 REFUSED,1 not reached"
     run ! grep -q 'the library says' <<<"$output"
     run -2 vorl explain --public-key signer.pub --cert service.crt record
 }
@@ -204,10 +301,10 @@ refused() {
 @test "--as says what a record is" {
     bytes_of 128 >bare
     succeeds vorl explain bare
-    equals "$(checks)" "5 passes,2 needs the group"
+    equals "$(checks)" "5 passed,2 needs the group"
     { octets 018080 && bytes_of 128; } >record
     succeeds vorl explain record
-    equals "$(checks)" "4 passes,1 needs the public key,1 needs the public key and the input"
+    equals "$(checks)" "4 passed,1 needs the public key,1 needs the public key and the input"
     refused 1 "'record', at offset 0: the level test is not accepted" vorl explain --as envelope record
 }
 
@@ -250,7 +347,7 @@ refused() {
     equals "$status" 1
     # All but the brace at its end.
     equals "${output%%,$'\n'  \"accept\"*}" "$(vorl inspect --json letter | head -n -1)"
-    contains "$output" $',\n  "accept": [\n    "full"\n  ],\n  "level": "full",\n  "steps": [\n    {\n      "name": "initialised",\n      "requirement": "the library is initialised",\n      "outcome": "passes",\n      "needs": null,\n      "offset": null,\n      "reason": "",\n      "libraryText": ""\n    },\n'
+    contains "$output" $',\n  "accept": [\n    "full"\n  ],\n  "level": "full",\n  "steps": [\n    {\n      "name": "initialised",\n      "requirement": "the library must be initialised",\n      "outcome": "passes",\n      "needs": null,\n      "offset": null,\n      "reason": "",\n      "libraryText": ""\n    },\n'
     equals "$(members name)" \
         '"initialised","version","known-version","policy","context","iv","iv-length","body","end","blocks","decryption"'
     equals "$(members outcome)" "\"passes\",\"passes\",\"passes\",\"refuses\"$(printf ',"not reached"%.0s' 1 2 3 4 5 6 7)"

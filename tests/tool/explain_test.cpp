@@ -15,10 +15,13 @@
 #include "vorl/PubKey.h"
 #include "vorl/VORLLib.h"
 
+#include <brisclient/Base64.h>
+
 namespace vorl::test {
 
 namespace {
 
+using Tarvik::BrisClient::Base64;
 using tool::ExitStatus;
 using tool::Explained;
 using tool::Explanation;
@@ -52,7 +55,8 @@ std::string summary(const Explanation& explanation) {
             hasRefused = true;
             text = step.name + " " + (step.offset ? std::to_string(*step.offset) + " " : "") + step.reason;
         } else if (step.outcome == Outcome::WARNS) {
-            text = "warns: " + step.name + " " + std::to_string(*step.offset) + " " + step.reason;
+            text = "warns: " + step.name + " " + (step.offset ? std::to_string(*step.offset) + " " : "") +
+                   step.reason;
         } else if (step.outcome == Outcome::NEEDS) {
             text = "needs " + step.needed;
         } else {
@@ -202,7 +206,11 @@ protected:
     }
     static Explanation explainIn(const Group& group, const bytes& record) {
         const DiffieHellmanParams params(rawDh(group));
-        return tool::explainDhRecord({record, record, std::nullopt}, &params);
+        return tool::explainDhRecord({record, record, std::nullopt}, tool::PeerGroup{params, false});
+    }
+    static Explanation explainInFaulty(const Group& group, const bytes& record) {
+        const DiffieHellmanParams params(rawDh(group));
+        return tool::explainDhRecord({record, record, std::nullopt}, tool::PeerGroup{params, true});
     }
 };
 
@@ -301,6 +309,90 @@ TEST_F(ExplainDhRecord, TheNumbersZeroAndOneAreWarnedOfWithoutAGroup) {
     EXPECT_EQ(explain(bytes(128)).first(Outcome::WARNS)->offset, 0U);
     EXPECT_EQ(summary(explain(recordOf(numberOf(2)))), "needs the group");
     EXPECT_EQ(summary(explain(recordOf(minus(RFC_2409_GROUP.p().get(), 1)))), "needs the group");
+}
+
+namespace {
+
+// 131074 * (2^1006 + 231) + 1, a prime that is no safe one: it has a subgroup of 65537 numbers.
+const Group GROUP_WITH_SMALL_SUBGROUP = {
+    "8000800000000000000000000000000000000000000000000000000000000000"
+    "0000000000000000000000000000000000000000000000000000000000000000"
+    "0000000000000000000000000000000000000000000000000000000000000000"
+    "0000000000000000000000000000000000000000000000000000000001CE01CF",
+    2};
+
+// 2^1023 + 2.
+const Group GROUP_OF_EVEN_MODULUS = {
+    "8000000000000000000000000000000000000000000000000000000000000000"
+    "0000000000000000000000000000000000000000000000000000000000000000"
+    "0000000000000000000000000000000000000000000000000000000000000000"
+    "0000000000000000000000000000000000000000000000000000000000000002",
+    2};
+
+// What there is of a kind in a list of checks, by their names.
+std::string stepsThat(const Explanation& explanation, Outcome outcome) {
+    EXPECT_TRUE(explanation.agreesWithLibrary);
+    std::string names;
+    for (const Step& step : explanation.steps) {
+        names += step.outcome == outcome ? (names.empty() ? "" : " ") + step.name : "";
+    }
+    return names;
+}
+
+}  // namespace
+
+TEST_F(ExplainDhRecord, AGroupWithFaultsIsWarnedOfAndTheNumberLeftOpen) {
+    const Explanation explanation = explainInFaulty(RFC_2409_GROUP, recordOf(numberOf(5)));
+    EXPECT_EQ(stepsThat(explanation, Outcome::WARNS), "group");
+    EXPECT_EQ(explanation.first(Outcome::WARNS)->reason,
+              "the group has faults, which 'vorl dh params check' tells; the library does not look for them");
+    EXPECT_EQ(explanation.first(Outcome::WARNS)->offset, std::nullopt);
+    EXPECT_EQ(explanation.first(Outcome::WARNS)->refusal, ExitStatus::REFUSED);
+    EXPECT_EQ(summary(explanation), "needs a group without faults");
+}
+
+TEST_F(ExplainDhRecord, WhatTheGroupDoesIsNotSaidOfTheNumber) {
+    const Number prime = GROUP_WITH_SMALL_SUBGROUP.p();
+    const Number cofactor = minus(prime.get(), 1);
+    ASSERT_EQ(BN_div_word(cofactor.get(), 65537), 0U);
+    const Number ofSubgroup = GROUP_WITH_SMALL_SUBGROUP.raise(cofactor.get());
+    ASSERT_EQ(BN_is_one(power(ofSubgroup.get(), numberOf(65537).get(), prime.get()).get()), 1);
+    ASSERT_EQ(BN_is_one(ofSubgroup.get()), 0);
+    EXPECT_EQ(summary(explainInFaulty(GROUP_WITH_SMALL_SUBGROUP, recordOf(ofSubgroup))),
+              "needs a group without faults");
+    EXPECT_EQ(summary(explainInFaulty(GROUP_OF_EVEN_MODULUS, recordOf(numberOf(5)))),
+              "needs a group without faults");
+}
+
+TEST_F(ExplainDhRecord, NumbersThatFixTheSecretInAnyGroupAreWarnedOfInAFaultyOneToo) {
+    for (const Group& group : {GROUP_WITH_SMALL_SUBGROUP, GROUP_OF_EVEN_MODULUS}) {
+        EXPECT_EQ(summary(explainInFaulty(group, recordOf(numberOf(0)))), fixes("it is 0"));
+        EXPECT_EQ(summary(explainInFaulty(group, recordOf(numberOf(1)))), fixes("it is 1"));
+        EXPECT_EQ(summary(explainInFaulty(group, recordOf(minus(group.p().get(), 1)))),
+                  fixes("it is the prime less 1"));
+        EXPECT_EQ(stepsThat(explainInFaulty(group, recordOf(numberOf(1))), Outcome::WARNS), "group number");
+    }
+}
+
+TEST_F(ExplainDhRecord, TheSizeOfAGroupIsLookedAtBeforeItsFaults) {
+    EXPECT_EQ(summary(explainInFaulty(GROUP_512_2, recordWith(128))),
+              "group the group has 512 bits, and a secret is agreed in one of 1024");
+}
+
+TEST_F(ExplainDhRecord, ANewlineThatTheLibraryRefusesIsRemarkedOn) {
+    const bytes record = recordWith(128);
+    const auto remark = [&record](const std::string& end) {
+        const bytes text = Base64::encode(record) + fromText(end);
+        const Explanation explanation = tool::explainDhRecord({record, text, std::nullopt});
+        EXPECT_EQ(summary(explanation), "needs the group");
+        return explanation.steps.front().reason;
+    };
+    EXPECT_EQ(remark(""), "");
+    EXPECT_EQ(remark("\n"), "without the newline at its end, with which the library would refuse it");
+    EXPECT_EQ(remark("\r\n"), "without the newline at its end, with which the library would refuse it");
+    // No text, though it ends as one.
+    const bytes raw = octets(127) + fromText("\n");
+    EXPECT_EQ(explain(raw).steps.front().reason, "");
 }
 
 TEST_F(ExplainDhRecord, ATextThatIsNotBase64IsRefusedFirst) {

@@ -232,6 +232,15 @@ an exact multiple of 16384"
     contains "$output" "malformed at 20: white space or a line break within the text"
 }
 
+@test "a text with one foreign character is told where that is" {
+    sample | base64_text >text
+    sed 's/./!/11' text >damaged
+    run --separate-stderr vorl inspect damaged
+    equals "$status" 3
+    equals "$stderr" "vorl: error: 'damaged', at character 10: a character that Base64 does not have: 0x21"
+    contains "$output" "unknown record, given as Base64 text"
+}
+
 @test "an empty input is refused" {
     run --separate-stderr vorl inspect /dev/null
     equals "$status" 3

@@ -1,12 +1,15 @@
 #include "commands/commands.h"
 #include "explain/records.h"
 #include "inspect/base64_text.h"
+#include "inspect/dh_numbers.h"
+#include "inspect/dh_record.h"
 #include "inspect/inspect_bytes.h"
 #include "shared/CommandOptions.h"
 #include "shared/KeyFile.h"
 #include "shared/ToolError.h"
 #include "shared/accepted_levels.h"
 #include "shared/dh_files.h"
+#include "shared/dh_openssl.h"
 #include "shared/explanation_text.h"
 #include "shared/input.h"
 #include "shared/message_options.h"
@@ -21,9 +24,14 @@
 #include "vorl/PubKey.h"
 #include "vorl/X509Cert.h"
 
+#include <brisclient/Base64.h>
+
+#include <algorithm>
 #include <memory>
 
 namespace vorl::tool {
+
+using Tarvik::BrisClient::Base64;
 
 namespace {
 
@@ -40,8 +48,23 @@ struct ExplainOptions {
     bool isJson = false;
 };
 
+// What shows nothing of itself is taken for an envelope; what can be printed, for the text of one.
+Report reportOf(const bytes& input, const ExplainOptions& options) {
+    Report report = inspectBytes(input, Secrets::HIDDEN, options.kind);
+    return report.kind == "unknown" && options.kind.empty() ? inspectBytes(input, Secrets::HIDDEN, "envelope")
+                                                            : report;
+}
+
+// Of a text that does not decode, its first characters may.
+std::string kindOfDamagedText(const bytes& text) {
+    const std::size_t shown = std::min<std::size_t>(text.size(), 8);
+    const bytes start =
+        Base64::decode(bytes(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(shown)));
+    return beginsAsDhRecord(start) ? "dh-record" : "envelope";
+}
+
 // What explain takes an input for.
-std::string kindOf(const Report& report, const ExplainOptions& options) {
+std::string kindOf(const Report& report, const bytes& input, const ExplainOptions& options) {
     if (report.isPem) {
         throw ToolError(ExitStatus::BAD_INPUT, inputName(options.input) + " is PEM text",
                         "an envelope, a Diffie-Hellman record and a signature are explained; 'vorl inspect' "
@@ -49,7 +72,7 @@ std::string kindOf(const Report& report, const ExplainOptions& options) {
     }
     if (report.kind == "unknown") {
         // Of an unknown version, or no record at all.
-        return options.kind.empty() ? "envelope" : options.kind;
+        return !options.kind.empty() ? options.kind : kindOfDamagedText(input);
     }
     if (report.kind != "envelope" && report.kind != "dh-record" && report.kind != "signature") {
         throw ToolError(ExitStatus::BAD_INPUT,
@@ -110,8 +133,8 @@ public:
           key_(options.key.isGiven() ? options.key.load(levels().front().spec().keySize, options.input)
                                      : SecretBytes()),
           input_(readInput(options.input)),
-          report_(inspectBytes(input_, Secrets::HIDDEN, options.kind)),
-          kind_(kindOf(report_, options)),
+          report_(reportOf(input_, options)),
+          kind_(kindOf(report_, input_, options)),
           record_(report_.isBase64 ? decodeBase64Text(input_).data : input_) {
         refuseUseless(kind_ != "envelope" && options.key.isGiven(), options, "envelope", "key");
         refuseUseless(kind_ != "dh-record" && options.params, options, "Diffie-Hellman record", "group");
@@ -147,8 +170,13 @@ private:
     Explanation explain() const {
         const Explained explained = {record_, input_, textFault(report_)};
         if (kind_ == "dh-record") {
-            const auto group = options_.params ? loadGroup(*options_.params) : nullptr;
-            return explainDhRecord(explained, group.get());
+            if (!options_.params) {
+                return explainDhRecord(explained);
+            }
+            const auto group = loadGroup(*options_.params);
+            // Primes of any other size are refused before their faults matter.
+            const bool isJudged = isAgreementSize(bitsOf(numbersOf(*group).prime));
+            return explainDhRecord(explained, PeerGroup{*group, isJudged && !faultsOf(*group).empty()});
         }
         if (kind_ == "signature") {
             return explainSignature(

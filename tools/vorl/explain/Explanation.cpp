@@ -30,6 +30,15 @@ void StepWalk::warn(std::uint64_t offset, const std::string& reason) {
     }
 }
 
+void StepWalk::warnOfOther(const std::string& reason, ExitStatus status) {
+    if (!hasRefused()) {
+        steps_[next_].outcome = Outcome::WARNS;
+        steps_[next_].refusal = status;
+        steps_[next_].reason = reason;
+        ++next_;
+    }
+}
+
 void StepWalk::refuse(std::optional<std::uint64_t> offset, const std::string& reason) {
     if (!hasRefused()) {
         steps_[next_].outcome = Outcome::REFUSES;

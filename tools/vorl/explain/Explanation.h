@@ -29,7 +29,7 @@ struct Step {
     std::string name;
     /// What must be so.
     std::string requirement;
-    /// How a run ends where this check refuses.
+    /// How a run ends where this check refuses or warns.
     ExitStatus refusal;
     Outcome outcome = Outcome::NOT_REACHED;
     /// What it takes, of NEEDS: for example "the key".
@@ -64,6 +64,8 @@ public:
     /// Each is about the next check, unless one has refused.
     void pass(const std::string& remark = "");
     void warn(std::uint64_t offset, const std::string& reason);
+    /// Of something else than the record, which ends a run in its own way.
+    void warnOfOther(const std::string& reason, ExitStatus status);
     void refuse(std::optional<std::uint64_t> offset, const std::string& reason);
     void need(const std::string& what);
     bool hasRefused() const { return refusing_.has_value(); }

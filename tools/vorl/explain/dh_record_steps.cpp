@@ -26,13 +26,13 @@ const std::uint64_t MAX_KEY_BYTES = 129;
 
 std::vector<Step> dhRecordSteps() {
     return {
-        {"base64", "the text is Base64, of one byte or more", ExitStatus::BAD_INPUT},
-        {"length", "the record has 125 bytes or more", ExitStatus::BAD_INPUT},
-        {"version", "a record of 130 bytes or more has version 2", ExitStatus::BAD_INPUT},
-        {"key", "the key can be read", ExitStatus::BAD_INPUT},
-        {"key-length", "the key has 120 to 129 bytes", ExitStatus::BAD_INPUT},
-        {"group", "the group has 1024 bits", ExitStatus::BAD_INPUT},
-        {"number", "the number does not fix the secret", ExitStatus::CANNOT_OPEN},
+        {"base64", "the text must be Base64, of one byte or more", ExitStatus::BAD_INPUT},
+        {"length", "the record must have 125 bytes or more", ExitStatus::BAD_INPUT},
+        {"version", "a record of 130 bytes or more must have version 2", ExitStatus::BAD_INPUT},
+        {"key", "the key must be readable", ExitStatus::BAD_INPUT},
+        {"key-length", "the key must have 120 to 129 bytes", ExitStatus::BAD_INPUT},
+        {"group", "the group must have 1024 bits, and no faults", ExitStatus::BAD_INPUT},
+        {"number", "the number must not fix the secret", ExitStatus::CANNOT_OPEN},
     };
 }
 
@@ -51,8 +51,8 @@ struct Answer {
     bool isZero;
 };
 
-// With the prime 65537 as private key: none but numbers whose power is 0, 1 or -1 under any key, or nearly
-// any, have such a power. The generator and the public key do not matter.
+// With the prime 65537 as private key: in a group without faults, none but numbers whose power is 0, 1 or -1
+// under any key have such a power. The generator and the public key do not matter.
 Answer askLibrary(const bytes& text, const bytes& prime) {
     Buffer pair;
     // A block of no bytes would not be written.
@@ -129,7 +129,7 @@ void walkThrough(const Explained& input, StepWalk& walk) {
         return;
     }
     const bytes& record = input.record;
-    walk.pass();
+    walk.pass(newlineRemark(input));
     if (record.size() < MIN_RECORD_BYTES) {
         walk.refuse(record.size(), "it ends here, with " + bytesText(record.size()));
         return;
@@ -142,13 +142,17 @@ void walkThrough(const Explained& input, StepWalk& walk) {
     walk.pass();
 }
 
-void checkGroup(const std::optional<bytes>& prime, StepWalk& walk) {
+void checkGroup(const std::optional<bytes>& prime, bool hasFaults, StepWalk& walk) {
     if (!prime) {
         walk.need("the group");
-    } else if (isAgreementSize(bitsOf(*prime))) {
-        walk.pass();
-    } else {
+    } else if (!isAgreementSize(bitsOf(*prime))) {
         walk.refuse(std::nullopt, wrongSizeText(bitsOf(*prime)));
+    } else if (hasFaults) {
+        walk.warnOfOther(
+            "the group has faults, which 'vorl dh params check' tells; the library does not look for them",
+            ExitStatus::REFUSED);
+    } else {
+        walk.pass();
     }
 }
 
@@ -167,25 +171,36 @@ void warnOfNumber(const bytes& record, const std::string& name, StepWalk& walk) 
             "which anybody knows");
 }
 
+// `isZero`: whether the secret was. In a group with faults that can be the group's doing, and another secret
+// is no proof of anything: there may be few of them.
+void checkNumber(const bytes& record, const std::string& name, bool isZero,
+                 const std::optional<PeerGroup>& group, StepWalk& walk) {
+    if (!name.empty()) {
+        warnOfNumber(record, name, walk);
+    } else if (!group) {
+        walk.need("the group");
+    } else if (group->hasFaults) {
+        walk.need("a group without faults");
+    } else if (isZero) {
+        warnOfNumber(record, name, walk);
+    } else {
+        walk.pass();
+    }
+}
+
 }  // namespace
 
-Explanation explainDhRecord(const Explained& record, const DiffieHellmanParams* group) {
+Explanation explainDhRecord(const Explained& record, const std::optional<PeerGroup>& group) {
     const std::optional<bytes> prime =
-        group != nullptr ? std::make_optional(numbersOf(*group).prime) : std::nullopt;
+        group ? std::make_optional(numbersOf(group->params).prime) : std::nullopt;
     StepWalk walk(dhRecordSteps());
     walkThrough(record, walk);
     const std::size_t passed = walk.passed();
-    checkGroup(prime, walk);
+    checkGroup(prime, group && group->hasFaults, walk);
     const Answer answer =
         askLibrary(record.fault ? record.text : Base64::encode(record.record), prime.value_or(SMALL_PRIME));
     const std::string name = walk.hasRefused() ? "" : fixingName(BigNum(keyIn(record.record)), prime);
-    if (!name.empty() || answer.isZero) {
-        warnOfNumber(record.record, name, walk);
-    } else if (prime) {
-        walk.pass();
-    } else {
-        walk.need("the group");
-    }
+    checkNumber(record.record, name, answer.isZero, group, walk);
     const bool isRefused = prime ? !answer.fault.empty() : answer.fault != SMALL_GROUP_TEXT;
     // An empty record is refused before it is read.
     const bool isFormRefused = passed > BASE64 && passed <= KEY;

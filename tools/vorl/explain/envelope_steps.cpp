@@ -25,17 +25,17 @@ namespace {
 
 std::vector<Step> envelopeSteps() {
     return {
-        {"initialised", "the library is initialised", ExitStatus::FAULT},
-        {"version", "a version byte is there", ExitStatus::BAD_INPUT},
-        {"known-version", "the version is known", ExitStatus::BAD_INPUT},
-        {"policy", "the policy accepts the level of that version", ExitStatus::REFUSED},
-        {"context", "the context is of the same level", ExitStatus::REFUSED},
-        {"iv", "the IV can be read", ExitStatus::BAD_INPUT},
-        {"iv-length", "the IV has the length that the cipher needs", ExitStatus::BAD_INPUT},
-        {"body", "the body can be read", ExitStatus::BAD_INPUT},
-        {"end", "nothing follows the body", ExitStatus::BAD_INPUT},
-        {"blocks", "the body is made of whole blocks of the cipher", ExitStatus::BAD_INPUT},
-        {"decryption", "the key opens the body", ExitStatus::CANNOT_OPEN},
+        {"initialised", "the library must be initialised", ExitStatus::FAULT},
+        {"version", "a version byte must be there", ExitStatus::BAD_INPUT},
+        {"known-version", "the version must be known", ExitStatus::BAD_INPUT},
+        {"policy", "the policy must accept the level of that version", ExitStatus::REFUSED},
+        {"context", "the context must be of the same level", ExitStatus::REFUSED},
+        {"iv", "the IV must be readable", ExitStatus::BAD_INPUT},
+        {"iv-length", "the IV must have the length that the cipher needs", ExitStatus::BAD_INPUT},
+        {"body", "the body must be readable", ExitStatus::BAD_INPUT},
+        {"end", "nothing must follow the body", ExitStatus::BAD_INPUT},
+        {"blocks", "the body must be made of whole blocks of the cipher", ExitStatus::BAD_INPUT},
+        {"decryption", "the key must open the body", ExitStatus::CANNOT_OPEN},
     };
 }
 
@@ -93,15 +93,16 @@ public:
     EnvelopeWalk(const bytes& envelope, const Level& context)
         : context_(context), reader_(envelope, fields_), walk_(envelopeSteps()) {}
 
-    void walk(const std::optional<Problem>& textFault) {
+    void walk(const Explained& input) {
         walk_.pass();
+        const std::optional<Problem>& textFault = input.fault;
         if (textFault || reader_.atEnd()) {
             walk_.refuse(
                 textFault ? textFault->offset : 0,
                 textFault ? textFault->text + ", which leaves an envelope without a byte" : "there is none");
             return;
         }
-        walk_.pass();
+        walk_.pass(newlineRemark(input));
         level_ = levelOfVersion(reader_.readByte("version"));
         if (level_ == nullptr) {
             walk_.refuse(0, "no level has the version 0x" + Util::toHexString(fields_.fields[0].head[0]));
@@ -155,8 +156,7 @@ public:
                    ? "an envelope of the level " + level_->name +
                          " is not protected: anybody can have made it"
                    : "an envelope carries no signature: anybody who has the key can have made it, and a "
-                     "damaged "
-                     "one may open all the same";
+                     "damaged one may open all the same";
     }
 
     std::vector<Step> steps(const std::string& libraryText) const {
@@ -252,8 +252,10 @@ private:
 
 Explanation explainEnvelope(const Explained& envelope, const Level& context, const SecretBytes* key) {
     EnvelopeWalk walk(envelope.record, context);
-    walk.walk(envelope.fault);
-    const Verdict verdict = askLibrary(envelope.record, context);
+    walk.walk(envelope);
+    // A text is asked about as it is.
+    const bytes record = envelope.fault ? Base64::decode(envelope.text) : envelope.record;
+    const Verdict verdict = askLibrary(record, context);
     const bool agrees = walk.agreesWith(verdict);
     // Where the two disagree, no decryption is tried.
     if (agrees) {

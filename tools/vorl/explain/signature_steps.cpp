@@ -7,9 +7,12 @@
 #include "vorl/Util.h"
 #include "vorl/VORLException.h"
 
+#include <brisclient/Base64.h>
 #include <openssl/evp.h>
 
 namespace vorl::tool {
+
+using Tarvik::BrisClient::Base64;
 
 namespace {
 
@@ -18,12 +21,12 @@ const std::uint64_t VERSION_BYTES = 1;
 
 std::vector<Step> signatureSteps() {
     return {
-        {"version", "a version byte is there", ExitStatus::BAD_INPUT},
-        {"known-version", "the version is known", ExitStatus::BAD_INPUT},
-        {"value", "the value can be read", ExitStatus::BAD_INPUT},
-        {"end", "nothing follows the value", ExitStatus::BAD_INPUT},
-        {"value-length", "the value is as long as the modulus of the key", ExitStatus::REFUSED},
-        {"match", "the value is the key's own over the input", ExitStatus::REFUSED},
+        {"version", "a version byte must be there", ExitStatus::BAD_INPUT},
+        {"known-version", "the version must be known", ExitStatus::BAD_INPUT},
+        {"value", "the value must be readable", ExitStatus::BAD_INPUT},
+        {"end", "nothing must follow the value", ExitStatus::BAD_INPUT},
+        {"value-length", "the value must be as long as the modulus of the key", ExitStatus::REFUSED},
+        {"match", "the value must have been made with this key over this input", ExitStatus::REFUSED},
     };
 }
 
@@ -49,7 +52,7 @@ std::uint64_t walkThrough(const Explained& input, StepWalk& walk) {
             input.fault ? input.fault->text + ", which leaves a record without a byte" : "there is none");
         return 0;
     }
-    walk.pass();
+    walk.pass(newlineRemark(input));
     const unsigned char version = reader.readByte("version");
     if (version != VERSION) {
         walk.refuse(0, "no signature record has the version 0x" + Util::toHexString(version));
@@ -109,7 +112,8 @@ void checkMatch(bool isVerified, const Verification& verification, StepWalk& wal
 Explanation explainSignature(const Explained& record, const Verification& verification) {
     StepWalk walk(signatureSteps());
     const std::uint64_t valueBytes = walkThrough(record, walk);
-    const std::string text = formFault(record.record);
+    // A text is asked about as it is.
+    const std::string text = formFault(record.fault ? Base64::decode(record.text) : record.record);
     bool agrees = text.empty() == (walk.passed() >= END);
     if (!walk.hasRefused()) {
         checkLength(valueBytes, verification, walk);

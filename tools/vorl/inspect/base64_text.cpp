@@ -74,10 +74,21 @@ DecodedText decodeBase64Text(const bytes& input) {
     return decoded;
 }
 
-bool resemblesBase64(const bytes& input) {
+bool isPrintableText(const bytes& input) {
     return !input.empty() && std::all_of(input.begin(), input.end(), [](unsigned char c) {
-        return isOfAlphabet(c) || c == '=' || isWhiteSpace(c);
+        return isWhiteSpace(c) || (c > ' ' && c < 0x7f);
     });
+}
+
+bool isNearlyBase64(const bytes& input) {
+    const auto foreign = std::count_if(input.begin(), input.end(), [](unsigned char c) {
+        return !isOfAlphabet(c) && c != '=' && !isWhiteSpace(c);
+    });
+    return !input.empty() && static_cast<std::size_t>(foreign) <= input.size() / 16;
+}
+
+bool resemblesBase64(const bytes& input) {
+    return isPrintableText(input) && isNearlyBase64(input);
 }
 
 }  // namespace vorl::tool

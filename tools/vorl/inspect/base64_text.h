@@ -21,7 +21,14 @@ struct DecodedText {
 /// say; only the words for a refusal are found here.
 DecodedText decodeBase64Text(const bytes& input);
 
-/// Whether the input looks as if it was meant to be Base64: its alphabet and white space, nothing else.
+/// Whether the input is printable ASCII and white space, as no record is.
+bool isPrintableText(const bytes& input);
+
+/// Whether the input is of Base64's alphabet and white space, but for one byte in 16 at most: a text that was
+/// damaged on its way still is one.
+bool isNearlyBase64(const bytes& input);
+
+/// Whether the input looks as if it was meant to be Base64: plain text, and nearly Base64.
 bool resemblesBase64(const bytes& input);
 
 }  // namespace vorl::tool

@@ -7,6 +7,7 @@
 #include "inspect/dh_record.h"
 #include "inspect/envelope.h"
 #include "inspect/key.h"
+#include "inspect/levels.h"
 #include "inspect/number_blocks.h"
 #include "inspect/pem_text.h"
 #include "inspect/signature.h"
@@ -132,6 +133,29 @@ const RecordForm& formOf(const bytes& record, const std::string& kind) {
     return *last;
 }
 
+// Nothing is known of it but that it could be an envelope of a version to come.
+bool fitsNothing(const bytes& record) {
+    return &formOf(record, "") == std::end(RECORD_FORMS) - 1 && levelOfVersion(record.front()) == nullptr;
+}
+
+// DER and blocks of numbers may be cut to a few bytes that can be printed; these begin with bytes that
+// cannot.
+bool isNeverPrintable(const std::string& kind) {
+    return kind == "envelope" || kind == "dh-record" || kind == "signature";
+}
+
+// Of an input that does not decode. A text that is not printable may have a byte order mark or a damaged
+// character in it.
+bool isMeantAsBase64(const bytes& input, const std::string& kind) {
+    if (resemblesBase64(input)) {
+        return true;
+    }
+    if (!kind.empty() && !isNeverPrintable(kind)) {
+        return false;
+    }
+    return isPrintableText(input) ? !kind.empty() : isNearlyBase64(input) && fitsNothing(input);
+}
+
 struct PemForm {
     const char* kind;
     bool (*fits)(const std::string& label);
@@ -208,7 +232,7 @@ Report inspectBytes(const bytes& input, Secrets secrets, const std::string& kind
     }
     DecodedText text = decodeBase64Text(input);
     // Records have bytes that Base64 has not, so a text that decodes, or nearly does, was meant as a text.
-    report.isBase64 = !text.problem || resemblesBase64(input);
+    report.isBase64 = !text.problem || isMeantAsBase64(input, kind);
     if (report.isBase64 && text.problem) {
         report.problem = std::move(text.problem);
         return report;

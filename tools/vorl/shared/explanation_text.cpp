@@ -16,11 +16,11 @@ namespace {
 std::string outcomeText(const Step& step) {
     switch (step.outcome) {
         case Outcome::PASSES:
-            return "passes";
+            return "passed";
         case Outcome::WARNS:
-            return "WARNS";
+            return "WARNING";
         case Outcome::REFUSES:
-            return "REFUSES";
+            return "REFUSED";
         case Outcome::NEEDS:
             return "needs " + step.needed;
         default:

@@ -158,10 +158,10 @@ FAULT  the prime is not a safe one: half of it is not prime"
 
 @test "a group that OpenSSL knows by name is held to a safe prime, too" {
     # RFC 5114, section 2.1: its subgroup has 160 bits.
-    openssl genpkey -genparam -algorithm DHX -pkeyopt dh_rfc5114:1 -outform DER >x942
+    openssl genpkey -genparam -algorithm DHX -pkeyopt dh_rfc5114:1 -out x942
     local p g
-    p=$(openssl asn1parse -inform DER -in x942 | sed -n 's/.*INTEGER *://p' | sed -n 1p)
-    g=$(openssl asn1parse -inform DER -in x942 | sed -n 's/.*INTEGER *://p' | sed -n 2p)
+    p=$(openssl asn1parse -in x942 | sed -n 's/.*INTEGER *://p' | sed -n 1p)
+    g=$(openssl asn1parse -in x942 | sed -n 's/.*INTEGER *://p' | sed -n 2p)
     octets "8080${p}8080$g" >blocks
     run --separate-stderr vorl dh params check blocks
     equals "$status" 1

@@ -49,6 +49,23 @@ const Finding FINDINGS[] = {
 #endif
 };
 
+// DH_check() takes a group that it knows by name without looking, and RFC 5114 has such groups with a prime
+// that is no safe one: what an agreement over them gives depends on the subgroup's order, which the library
+// does not know.
+bool hasSafePrime(const DiffieHellmanParams& group) {
+    const BigNum prime(numbersOf(group).prime);
+    std::unique_ptr<BIGNUM, decltype(&BN_free)> half(BN_new(), &BN_free);
+    std::unique_ptr<BN_CTX, decltype(&BN_CTX_free)> context(BN_CTX_new(), &BN_CTX_free);
+    if (!half || !context || BN_rshift1(half.get(), prime.getBIGNUM()) == 0) {
+        fail("BN_rshift1()", __LINE__, __func__);
+    }
+    const int answer = BN_is_prime_ex(half.get(), BN_prime_checks, context.get(), nullptr);
+    if (answer < 0) {
+        fail("BN_is_prime_ex()", __LINE__, __func__);
+    }
+    return answer == 1;
+}
+
 }  // namespace
 
 bytes pemOf(const DiffieHellmanParams& group) {
@@ -69,6 +86,9 @@ std::vector<std::string> faultsOf(const DiffieHellmanParams& group) {
     if (DH_check(dhOf(group).get(), &codes) == 0) {
         ERR_clear_error();
         return {"OpenSSL cannot check numbers of that size"};
+    }
+    if (codes == 0 && !hasSafePrime(group)) {
+        codes = DH_CHECK_P_NOT_SAFE_PRIME;
     }
     std::vector<std::string> faults;
     for (const Finding& finding : FINDINGS) {

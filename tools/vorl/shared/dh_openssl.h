@@ -17,7 +17,8 @@ namespace vorl::tool {
 /// The group as PEM text, "DH PARAMETERS".
 bytes pemOf(const DiffieHellmanParams& group);
 
-/// What DH_check() finds wrong with a group, in words; nothing where it finds nothing.
+/// What DH_check() finds wrong with a group, in words; nothing where it finds nothing. The prime of a group
+/// that OpenSSL knows by name, which it does not check, has to be a safe one all the same.
 std::vector<std::string> faultsOf(const DiffieHellmanParams& group);
 
 }  // namespace vorl::tool

@@ -159,12 +159,12 @@ damaged() {
     printf '{"no": "envelope"}' >other
     refused 3 "'other', at character 0: a character that Base64 does not have: 0x7b, which leaves an envelope without a byte" \
         vorl explain other
-    # A record is none, though nearly all of it is.
+    # A record is no text, though nearly all of its bytes are of Base64.
     { octets 0040 && printf '%064d' 0; } >plain
     succeeds vorl explain --accept none --level none plain
-    head -c 50 plain >cut
-    refused 3 "'cut', at offset 2: the body is cut short: 64 bytes announced, 48 there" \
-        vorl explain --accept none --level none cut
+    head -c 50 plain >shortened
+    refused 3 "'shortened', at offset 2: the body is cut short: 64 bytes announced, 48 there" \
+        vorl explain --accept none --level none shortened
 }
 
 @test "a newline behind a text is told, since the library refuses a text with it" {

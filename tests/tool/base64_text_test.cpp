@@ -86,7 +86,7 @@ TEST(ResemblesBase64, TakesOneForeignCharacterIn16) {
 }
 
 TEST(ResemblesBase64, TakesPrintableTextOnly) {
-    for (const unsigned char foreign : {0x00, 0x1f, 0x7f, 0x80, 0xff}) {
+    for (const unsigned char foreign : bytes{0x00, 0x1f, 0x7f, 0x80, 0xff}) {
         const bytes input = fromText("Zm9vYmFyZm9vYmFyZm9vYmFy") + bytes{foreign};
         EXPECT_FALSE(resemblesBase64(input)) << static_cast<unsigned int>(foreign);
         EXPECT_TRUE(isNearlyBase64(input)) << static_cast<unsigned int>(foreign);

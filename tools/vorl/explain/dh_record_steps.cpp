@@ -175,16 +175,13 @@ void warnOfNumber(const bytes& record, const std::string& name, StepWalk& walk) 
 // is no proof of anything: there may be few of them.
 void checkNumber(const bytes& record, const std::string& name, bool isZero,
                  const std::optional<PeerGroup>& group, StepWalk& walk) {
-    if (!name.empty()) {
+    const bool hasFaults = group && group->hasFaults;
+    if (!name.empty() || (isZero && !hasFaults)) {
         warnOfNumber(record, name, walk);
-    } else if (!group) {
-        walk.need("the group");
-    } else if (group->hasFaults) {
-        walk.need("a group without faults");
-    } else if (isZero) {
-        warnOfNumber(record, name, walk);
-    } else {
+    } else if (group && !hasFaults) {
         walk.pass();
+    } else {
+        walk.need(hasFaults ? "a group without faults" : "the group");
     }
 }
 

@@ -87,6 +87,7 @@ std::vector<std::string> faultsOf(const DiffieHellmanParams& group) {
         ERR_clear_error();
         return {"OpenSSL cannot check numbers of that size"};
     }
+    // A second time where DH_check() has done so: which groups it skips differs between versions of OpenSSL.
     if (codes == 0 && !hasSafePrime(group)) {
         codes = DH_CHECK_P_NOT_SAFE_PRIME;
     }

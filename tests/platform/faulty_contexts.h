@@ -2,6 +2,7 @@
 #define VORL_TESTS_FAULTY_CONTEXTS_H
 
 #include "octets.h"
+#include "raw_cipher.h"
 
 #include <tarvik/crypto/ICipherContext.h>
 
@@ -182,10 +183,33 @@ private:
     const Spec spec_;
 };
 
-// Padded as it should be, but encrypted by adding the key to each block.
-class AddsTheKey : public ICipherContext {
+// Whole blocks, enciphered or deciphered.
+using BlockCipher = bytes (*)(bool enciphering, const bytes& key, const bytes& blocks);
+
+inline bytes addTheKey(bool /*enciphering*/, const bytes& key, const bytes& blocks) {
+    bytes out = blocks;
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        out[i] = static_cast<unsigned char>(out[i] ^ key[i % key.size()]);
+    }
+    return out;
+}
+
+// Triple DES, whose blocks have 64 bits. OpenSSL is left to add a block of padding behind the others, and to
+// take it off again.
+inline bytes encipherHalves(bool enciphering, const bytes& key, const bytes& blocks) {
+    const EVP_CIPHER* const cipher = EVP_des_ede3_ecb();
+    const bytes threeKeys = key + slice(key, 0, 8);
+    if (enciphering) {
+        return slice(rawCipher(cipher, true, threeKeys, {}, blocks), 0, blocks.size());
+    }
+    return rawCipher(cipher, false, threeKeys, {}, blocks + rawCipher(cipher, true, threeKeys, {}, {}));
+}
+
+// Padded as it should be, but encrypted by another cipher than AES, block by block.
+class HasACipherOfItsOwn : public ICipherContext {
 public:
-    AddsTheKey(Spec spec, bytes key) : spec_(spec), key_(std::move(key)) {}
+    HasACipherOfItsOwn(BlockCipher cipher, Spec spec, bytes key)
+        : cipher_(cipher), spec_(spec), key_(std::move(key)) {}
 
     Spec id() override { return spec_; }
     void encryptInit(const bytes& /*iv*/) override { start(true); }
@@ -201,18 +225,12 @@ private:
         encrypting_ = encrypting;
         fed_.clear();
     }
-    bytes withKeyAdded(bytes data) const {
-        for (std::size_t i = 0; i < data.size(); ++i) {
-            data[i] = static_cast<unsigned char>(data[i] ^ key_[i % key_.size()]);
-        }
-        return data;
-    }
     bytes sealed() const {
         const std::size_t count = 16 - fed_.size() % 16;
-        return withKeyAdded(fed_ + bytes(count, static_cast<unsigned char>(count)));
+        return cipher_(true, key_, fed_ + bytes(count, static_cast<unsigned char>(count)));
     }
     bytes opened() const {
-        const bytes plain = withKeyAdded(fed_);
+        const bytes plain = cipher_(false, key_, fed_);
         const std::size_t count = plain.empty() ? 0 : plain.back();
         if (plain.size() % 16 != 0 || count < 1 || count > 16 || count > plain.size() ||
             slice(plain, plain.size() - count, count) != bytes(count, plain.back())) {
@@ -221,6 +239,7 @@ private:
         return slice(plain, 0, plain.size() - count);
     }
 
+    const BlockCipher cipher_;
     const Spec spec_;
     const bytes key_;
     bool encrypting_ = true;

@@ -790,15 +790,23 @@ inline Platform takesCbcForEcbUnderKeysOfItsOwn() {
     return takesOneSpecForAnother(ICipherContext::SPEC_AES_128_ECB, ICipherContext::SPEC_AES_128_CBC);
 }
 
-inline Platform addsItsKeys() {
+inline Platform withCipher(BlockCipher cipher) {
     return withKeysOfItsOwn(
-        withFactory([](const Platform& sound, ICipherContext::Spec spec, const bytes& key) {
+        withFactory([cipher](const Platform& sound, ICipherContext::Spec spec, const bytes& key) {
             Platform::Contexts contexts = sound.cryptContext(spec, key);
             if (spec != ICipherContext::SPEC_NULL && !key.empty()) {
-                contexts.first = std::make_shared<AddsTheKey>(spec, key);
+                contexts.first = std::make_shared<HasACipherOfItsOwn>(cipher, spec, key);
             }
             return contexts;
         }));
+}
+
+inline Platform addsItsKeys() {
+    return withCipher(addTheKey);
+}
+
+inline Platform enciphersHalvesOfBlocks() {
+    return withCipher(encipherHalves);
 }
 
 template <typename Faulty>

@@ -101,7 +101,9 @@ const Fault FAULTS[] = {
      "AES-128-CBC: encrypting under another IV than before yields blocks that are not chained, the first one "
      "to the IV"},
     {"AddsItsKeys", addsItsKeys, "a-bit-changes-its-block",
-     "AES-128-ECB: changing a bit of a block changes 1 of the 128 bits of its encryption"},
+     "AES-128-ECB: changing a bit of a block changes 1 of the 64 bits in the first half of its encryption"},
+    {"EnciphersHalvesOfBlocks", enciphersHalvesOfBlocks, "a-bit-changes-its-block",
+     "AES-128-ECB: changing a bit of a block changes 0 of the 64 bits in the second half of its encryption"},
     {"AcceptsAnyPadding", contextsOf<AcceptsAnyPadding>, "refuses-wrong-padding",
      "AES-128-ECB: a wrong padding is not refused"},
     {"ThrowsANumber", contextsOf<ThrowsANumber>, "refuses-wrong-padding",

@@ -95,6 +95,7 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples"
     DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation
     REGEX "/examples/(http/)?CMakeLists\\.txt$" EXCLUDE
     REGEX "/examples/(.*/)?[^/]*_test\\.cpp$" EXCLUDE
+    REGEX "/examples/(checks|unsafe_groups)\\.h$" EXCLUDE
     REGEX "/examples/http/[^/]*\\.bash$" EXCLUDE
     REGEX "/examples/platform-softtoken/make-token$" EXCLUDE)
 # It is run where it is, and the rest gets the permissions of texts.

@@ -29,7 +29,7 @@ const std::chrono::seconds MOST_IDLE_TIME(5);
 // There are only so many threads, and others wait for one.
 const std::chrono::seconds MOST_TIME_OF_A_CONNECTION(60);
 const std::chrono::seconds MOST_TIME_TO_CLOSE(1);
-const std::chrono::milliseconds LOOK_FOR_THE_END(100);
+const std::chrono::milliseconds LOOK_FOR_THE_BEGINNING(10);
 
 // Whether cpp-httplib takes a request line as others do: it looks for three parts between any blanks, and
 // drops what follows a # in the target.
@@ -37,11 +37,13 @@ bool isRequestLine(const std::string& line) {
     return std::count(line.begin(), line.end(), ' ') == 2 && line.find_first_of("#\t") == std::string::npos;
 }
 
-// Whether cpp-httplib takes a field as others do: it passes over a line that it does not understand, and
-// decodes %2f and its like, so that others than those on the wire would be verified and obeyed.
+// Whether cpp-httplib takes a field as others do: it passes over a line that it does not understand, and over
+// an empty field, which would go uncounted beside another of its name; and it decodes %2f and its like, so
+// that others than those on the wire would be verified and obeyed.
 bool isField(const std::string& line) {
     const std::size_t end = line.find_first_not_of(OF_A_NAME);
-    return end != 0 && end != std::string::npos && line[end] == ':' && line.find('%') == std::string::npos;
+    return end != 0 && end != std::string::npos && line[end] == ':' &&
+           line.find_first_not_of(" \t", end + 1) != std::string::npos && line.find('%') == std::string::npos;
 }
 
 bool isControl(char octet) {
@@ -180,7 +182,7 @@ void BoundedServer::serveUntilSignal() {
     const sigset_t ends = signalsToEnd();
     sigwait(&ends, &signal);
     // A server that has only begun to run cannot be stopped yet.
-    while (!is_running() && listener.wait_for(LOOK_FOR_THE_END / 10) != std::future_status::ready) {
+    while (!is_running() && listener.wait_for(LOOK_FOR_THE_BEGINNING) != std::future_status::ready) {
     }
     stop();
     if (!listener.get()) {

@@ -44,7 +44,8 @@ more='a request asks for more than an answer'
 refused expect "${agree}Expect: 100-continue\r\nContent-Length: 5\r\n\r\nAAAA\n" "$more"
 refused expect-other "${agree}Expect: other\r\nContent-Length: 5\r\n\r\nAAAA\n" "$more"
 refused range "${agree}Range: bytes=0-1\r\nContent-Length: 5\r\n\r\nAAAA\n" "$more"
-refused empty-host "POST /v1/agree HTTP/1.1\r\nHost: \r\nContent-Length: 0\r\n\r\n" 'a request names no host, or several'
+refused empty-host "POST /v1/agree HTTP/1.1\r\nHost: \r\nContent-Length: 0\r\n\r\n" unread
+refused empty-host-first "POST /v1/agree HTTP/1.1\r\nHost:\r\n$host${type}Content-Length: 5\r\n\r\nAAAA\n" unread
 refused fragment "POST /v1/agree#x HTTP/1.1\r\n$host${type}Content-Length: 5\r\n\r\nAAAA\n" unread
 refused encoded-length "${agree}Content-Length: %35\r\n\r\nAAAA\n" unread
 refused encoded-type "POST /v1/agree HTTP/1.1\r\n${host}Content-Type: a%2fb\r\nContent-Length: 5\r\n\r\nAAAA\n" unread
@@ -52,17 +53,18 @@ refused encoded-host "POST /v1/agree HTTP/1.1\r\nHost: %3127.0.0.1\r\nContent-Le
 refused two-blanks "POST  /v1/agree HTTP/1.1\r\n$host${type}Content-Length: 5\r\n\r\nAAAA\n" unread
 refused tab-and-blank "POST\t /v1/agree HTTP/1.1\r\n$host${type}Content-Length: 5\r\n\r\nAAAA\n" unread
 refused bare-request-line "POST /v1/agree HTTP/1.1\n$host${type}Content-Length: 5\r\n\r\nAAAA\n" unread
-malformed=0
+malformed=0 well_formed=0
 chunked='Transfer-Encoding: chunked'
 for line in 'Transfer-Encoding : chunked\r\n' 'Transfer-Encoding\t: chunked\r\n' " $chunked\r\n" "\t$chunked\r\n" \
     "X: a\r\n $chunked\r\n" "X: a\r\n\t$chunked\r\n" 'Content-Length: 3\n' '\n' "\n$chunked\r\n" \
     "X: a\r$chunked\r\n" "X: a\r\r\n" '\r\r\n' "X: a\0b\r\n" "X: a\x01b\r\n" "X: a\x7fb\r\n" "X\0: a\r\n" \
-    'X\r\n' ': a\r\n' 'X(: a\r\n' 'X\xe4: a\r\n'; do
+    'X\r\n' ': a\r\n' 'X(: a\r\n' 'X\xe4: a\r\n' 'X:\r\n' 'X: \t \r\n' 'Host:\r\n' 'Content-Length:\r\n' \
+    'Transfer-Encoding:\r\n'; do
     refused "malformed-$((++malformed))" "$agree${line}Content-Length: 5\r\n\r\nAAAA\n" unread
 done
 # Others that look like them are read, and refused for what is in the body.
-for line in 'X:\r\n' 'X:a:b\r\n' 'X: a\tb \t\r\n' 'X: \xe4\r\n' "!#\$&'*+-.^_\x60|~09AZaz: a\r\n"; do
-    refused "well-formed-$((++malformed))" "$agree${line}Content-Length: 5\r\n\r\n!!!!\n" 'Unable to Base64 decode input:'
+for line in 'X:a:b\r\n' 'X: a\tb \t\r\n' 'X: \xe4\r\n' "!#\$&'*+-.^_\x60|~09AZaz: a\r\n"; do
+    refused "well-formed-$((++well_formed))" "$agree${line}Content-Length: 5\r\n\r\n!!!!\n" 'Unable to Base64 decode input:'
 done
 refused percent-in-body "${agree}Content-Length: 5\r\n\r\n%%41\n" 'Unable to Base64 decode input:'
 refused no-length "$agree\r\nAAAA\n" "$plainly"

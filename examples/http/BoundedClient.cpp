@@ -35,10 +35,13 @@ BoundedClient::BoundedClient(const Address& service, std::size_t mostBytes,
 BoundedClient::Address BoundedClient::addressOf(const std::string& url) {
     static const std::regex form(R"(http://(?:\[([0-9A-Fa-f:.]+)\]|([^\s:/?#@\[\]]+))(?::([0-9]{1,5}))?)");
     std::smatch parts;
-    if (!std::regex_match(url, parts, form)) {
+    const bool isUrl = std::regex_match(url, parts, form);
+    const int port = isUrl && parts[3].matched ? std::stoi(parts[3]) : 80;
+    // The system would take another one for a port that there is not.
+    if (!isUrl || port < 1 || port > 65535) {
         refuse("this is no http URL of a service without a path: " + url);
     }
-    return {parts[1].str() + parts[2].str(), parts[3].matched ? std::stoi(parts[3]) : 80};
+    return {parts[1].str() + parts[2].str(), port};
 }
 
 bool BoundedClient::process_socket(const Socket& socket, std::function<bool(httplib::Stream&)> exchange) {

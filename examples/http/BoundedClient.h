@@ -11,6 +11,9 @@
 namespace example {
 
 /// An HTTP client that bounds what an answer may take, head and all: whoever answers may be anybody.
+///
+/// An answer that ends with the connection alone, without having said how long it is or that it comes in
+/// chunks, is refused: one that was cut off on the way would look the same.
 class BoundedClient : public httplib::ClientImpl {
 public:
     /// `url` is http://HOST or http://HOST:PORT; throws std::runtime_error for another one. `mostTime` is for

@@ -22,6 +22,7 @@ public:
         socket_t socket, std::function<bool()> isEnding = [] { return false; })
         : socket_(socket), isEnding_(std::move(isEnding)) {}
 
+    /// Returns -1 at the end, too, where cpp-httplib would take 0 for the end of a whole answer.
     ssize_t read(char* data, std::size_t size) override;
 
     bool is_readable() const override { return true; }

@@ -3,19 +3,24 @@
 //
 //     other_refusals_test PRIVATE.pem CERT.pem OTHER-PRIVATE.pem
 
-#include "../checks.h"
 #include "BoundedClient.h"
 #include "BoundedServer.h"
 #include "DeviceSession.h"
 
+#include "../checks.h"
+
 #include <brisclient/Base64.h>
+#include <netinet/in.h>
 #include <sys/socket.h>
 #include <tarvik/crypto/HttpRequestSigner.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
+#include <cstring>
 #include <future>
 #include <optional>
+#include <stdexcept>
 #include <thread>
 
 namespace example {
@@ -34,11 +39,18 @@ struct Keys {
     std::shared_ptr<const vorl::PrivKey> other;
 };
 
+std::string urlOf(int port) {
+    if (port < 0) {
+        throw std::runtime_error("no port is to be had");
+    }
+    return "http://127.0.0.1:" + std::to_string(port);
+}
+
 // Runs a server as long as it is there itself.
 class Listener {
 public:
     explicit Listener(httplib::Server& server)
-        : server_(server), url_("http://127.0.0.1:" + std::to_string(server.bind_to_any_port("127.0.0.1"))) {
+        : server_(server), url_(urlOf(server.bind_to_any_port("127.0.0.1"))) {
         listening_ = std::async(std::launch::async, [this] { server_.listen_after_bind(); });
         while (!server_.is_running()) {
             std::this_thread::yield();
@@ -249,35 +261,85 @@ void checkTrickle() {
     EndlessServer server("HTTP/1.1 200 OK\r\n", "A: b\r\n", 3000, std::chrono::milliseconds(10));
     {
         const Listener listener(server);
-        BoundedClient client(listener.url(), 65536, std::chrono::milliseconds(200));
+        // The time is for sending the request as well, which a busy machine may keep waiting.
+        BoundedClient client(listener.url(), 65536, std::chrono::seconds(2));
         check(client.Get("/").error() == httplib::Error::Read, "an answer is not waited for without end");
     }
     check(server.isLeft(), "who sends bit by bit is left alone");
+}
+
+// Two answers, of which one says how long it is.
+void checkEnds() {
+    httplib::Server server;
+    server.Get("/told", [](const httplib::Request& /*request*/, httplib::Response& response) {
+        response.set_content("whole", CONTENT_TYPE);
+    });
+    server.Get("/untold", [](const httplib::Request& /*request*/, httplib::Response& response) {
+        response.set_content_provider(CONTENT_TYPE, [](std::size_t /*offset*/, httplib::DataSink& sink) {
+            sink.write("whole", 5);
+            sink.done();
+            return true;
+        });
+    });
+    const Listener listener(server);
+    const auto ask = [&listener](const std::string& path) {
+        return BoundedClient(listener.url(), 65536, std::chrono::seconds(30)).Get(path);
+    };
+    const httplib::Result told = ask("/told");
+    check(told && told->body == "whole", "an answer that says how long it is is read");
+    check(ask("/untold").error() == httplib::Error::Read,
+          "an answer that ends with the connection alone is refused");
 }
 
 void checkUrls() {
     const auto refusalOfUrl = [](const std::string& url) {
         return refusalOf([&] { BoundedClient(url, 1, std::chrono::seconds(1)); });
     };
-    for (const std::string url :
-         {"http://127.0.0.1", "http://127.0.0.1:80", "http://[::1]:65535", "http://service.example"}) {
+    for (const std::string url : {"http://127.0.0.1", "http://127.0.0.1:1", "http://127.0.0.1:80",
+                                  "http://[::1]:65535", "http://service.example"}) {
         check(refusalOfUrl(url).empty(), url + " is a service's");
     }
-    for (const std::string url : {"", "127.0.0.1:80", "https://127.0.0.1", "http://", "http://:80",
-                                  "http://127.0.0.1:", "http://127.0.0.1:x", "http://127.0.0.1:655360",
-                                  "http://127.0.0.1/", "http://127.0.0.1?q", "http://127.0.0.1#f",
-                                  "http://user@127.0.0.1", "http://::1", "http://[::1", "http://a b"}) {
+    for (const std::string url :
+         {"", "127.0.0.1:80", "https://127.0.0.1", "http://", "http://:80",
+          "http://127.0.0.1:", "http://127.0.0.1:x", "http://127.0.0.1:0", "http://127.0.0.1:65536",
+          "http://127.0.0.1:99999", "http://127.0.0.1:655360", "http://127.0.0.1/", "http://127.0.0.1?q",
+          "http://127.0.0.1#f", "http://user@127.0.0.1", "http://::1", "http://[::1", "http://a b"}) {
         check(refusalOfUrl(url) == "this is no http URL of a service without a path: " + url,
               url + " is refused");
     }
 }
 
-void checkDeviceAlone(const Keys& keys) {
-    std::string url;
-    {
-        const Service service(keys, {});
-        url = service.url();
+// A port at which nobody listens, nor can as long as it is there.
+class SilentPort {
+public:
+    SilentPort() : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
+        sockaddr_in own{};
+        own.sin_family = AF_INET;
+        own.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        sockaddr address{};
+        std::memcpy(&address, &own, sizeof own);
+        socklen_t size = sizeof address;
+        if (bind(socket_, &address, size) == 0 && getsockname(socket_, &address, &size) == 0) {
+            std::memcpy(&own, &address, sizeof own);
+            port_ = ntohs(own.sin_port);
+        }
     }
+    ~SilentPort() { close(socket_); }
+
+    SilentPort(const SilentPort&) = delete;
+    SilentPort& operator=(const SilentPort&) = delete;
+
+    // -1 where none was to be had.
+    int port() const { return port_; }
+
+private:
+    const int socket_;
+    int port_ = -1;
+};
+
+void checkDeviceAlone(const Keys& keys) {
+    const SilentPort nobody;
+    const std::string url = urlOf(nobody.port());
     check(refusalOf([&] { DeviceSession(url, keys.certificate).agree(); }) == "no answer: Connection",
           "without a service, there is no answer");
 }
@@ -313,6 +375,7 @@ int main(int argc, char** argv) {
         example::checkDevice(keys);
         example::checkFloods(keys);
         example::checkTrickle();
+        example::checkEnds();
         example::checkUrls();
         example::checkDeviceAlone(keys);
         example::checkLostPort();

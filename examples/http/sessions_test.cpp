@@ -1,6 +1,7 @@
 // Whether sessions end when they should: a test, which says what time it is.
 
 #include "Sessions.h"
+
 #include "../checks.h"
 
 namespace example {

@@ -225,8 +225,7 @@ bytes recordOf(const Number& number) {
 std::string fixes(const std::string& what) {
     return "warns: number 4 " + what +
            ": OpenSSL computes nothing with it, and the library gives out 128 zero bytes as the secret, "
-           "which "
-           "anybody knows";
+           "which anybody knows";
 }
 
 }  // namespace

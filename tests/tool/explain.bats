@@ -134,7 +134,8 @@ damaged() {
     done
     { octets 000000028080 && bytes_of 128; } | base64_text >peer
     damaged peer 40 >bad
-    for options in "" "--as dh-record" "-p $GROUP"; do
+    cp "$GROUP" group.pem
+    for options in "" "--as dh-record" "-p group.pem"; do
         # shellcheck disable=SC2086
         refused 3 "'bad', at character 40: $foreign" vorl explain $options bad
         contains "$output" "the library says: Unable to Base64 decode input:"

@@ -286,17 +286,80 @@ damaged() {
     run -2 vorl explain --public-key signer.pub --cert service.crt record
 }
 
-@test "a record is judged with nothing that is for another kind" {
-    bytes_of 128 >bare
+@test "a signature of any size is judged with its key, whatever else it looks like" {
+    rsa_key k1000 1000
+    rsa_key k1536 1536
+    openssl dgst -sha1 -sign k1000.pem -out value note
+    { octets 017d && cat value; } >record1000
+    signed k1536 note >record1536
+    for bits in 1000 1536; do
+        succeeds vorl explain --public-key k$bits.pub --signed note record$bits
+        equals "$(checks)" "6 passed"
+        succeeds vorl explain --signed note record$bits
+        equals "$(checks)" "4 passed,2 needs the public key"
+        refused 1 "'record$bits', at offset 1: the key has not made it over this input" \
+            vorl explain --public-key k$bits.pub --signed key record$bits
+        refused 1 "'record$bits', at offset 0: the level test is not accepted" vorl explain record$bits
+    done
+}
+
+@test "with what a signature is verified with, a damaged one is refused as a signature" {
+    local none="which leaves a record without a byte"
     rsa_key signer
     certificate service signer
-    refuses 2 "'note' is no Diffie-Hellman record, and takes no group" "leave the group out" vorl explain -p "$GROUP" note
-    refuses 2 "'bare' is no signature record, and takes no public key" "leave the public key out" \
-        vorl explain --public-key signer.pub bare
-    refuses 2 "'bare' is no signature record, and takes no certificate" "leave the certificate out" \
-        vorl explain --cert service.crt bare
-    refuses 2 "'bare' is no signature record, and takes no signed input" "leave the signed input out" \
-        vorl explain --signed note bare
+    signed signer note >text
+    openssl base64 -d -A <text >raw
+    head -c 127 raw >stump
+    { cat raw && octets 00; } >longer
+    bytes_of 128 >bare
+    for options in "--public-key signer.pub" "--cert service.crt" "--signed note"; do
+        for column in 0 3 60; do
+            damaged text $column >bad
+            # shellcheck disable=SC2086
+            refused 3 "'bad', at character $column: a character that Base64 does not have: 0x21, $none" \
+                vorl explain $options bad
+            equals "$(checks)" "1 REFUSED,5 not reached"
+        done
+        # shellcheck disable=SC2086
+        {
+            refused 3 "'stump', at offset 3: the value is cut short: 128 bytes announced, 124 there" \
+                vorl explain $options stump
+            refused 3 "'longer', at offset 131: 1 more byte follows; the library does not look at them, and 'vorl verify' refuses them" \
+                vorl explain $options longer
+            refused 3 "'bare', at offset 0: no signature record has the version 0x50" vorl explain $options bare
+            refused 3 "'/dev/null', at character 0: the input is empty, $none" vorl explain $options /dev/null
+        }
+    done
+}
+
+@test "with the group, a damaged record is refused as one of a public key" {
+    { octets 000000028080 && bytes_of 128; } | base64_text >peer
+    damaged peer 3 >bad
+    refused 3 "'bad', at character 3: a character that Base64 does not have: 0x21" vorl explain -p "$GROUP" bad
+    equals "$(checks)" "1 REFUSED,6 not reached"
+    bytes_of 120 >short
+    refused 3 "'short', at offset 120: it ends here, with 120 bytes" vorl explain -p "$GROUP" short
+    refused 3 "'/dev/null', at character 0: the input is empty" vorl explain -p "$GROUP" /dev/null
+    refused 3 "'note', at character 5: the text has 5 characters, which is no multiple of 4: something is missing" \
+        vorl explain -p "$GROUP" note
+}
+
+@test "options for records of different kinds are refused, whatever the input" {
+    local hint="leave one of them out"
+    local kinds="are for records of different kinds"
+    refuses 2 "the group and the public key $kinds" "$hint" vorl explain -p no-file --public-key no-file no-file
+    refuses 2 "the group and the certificate $kinds" "$hint" vorl explain -p no-file --cert no-file no-file
+    refuses 2 "the group and the signed input $kinds" "$hint" vorl explain -p no-file --signed no-file no-file
+    refuses 2 "the group and the key $kinds" "$hint" vorl explain -p no-file -k no-file no-other
+    refuses 2 "the public key and the key $kinds" "$hint" vorl explain --public-key no-file -k no-file no-other
+    refuses 2 "--as envelope and the group $kinds" "$hint" vorl explain --as envelope -p no-file no-file
+    refuses 2 "--as envelope and the certificate $kinds" "$hint" vorl explain --as envelope --cert no-file no-file
+    refuses 2 "--as dh-record and the signed input $kinds" "$hint" vorl explain --as dh-record --signed no-file no-file
+    refuses 2 "--as signature and the group $kinds" "$hint" vorl explain --as signature -p no-file no-file
+    refuses 2 "--as dh-record and the key $kinds" "$hint" vorl explain --as dh-record -k no-file no-other
+    bytes_of 128 >bare
+    succeeds vorl explain --as dh-record -p "$GROUP" bare
+    equals "$(checks)" "7 passed"
 }
 
 @test "--as says what a record is" {
@@ -318,10 +381,15 @@ damaged() {
 }
 
 @test "other kinds are shown by inspect" {
+    local hint="an envelope, a Diffie-Hellman record and a signature are explained; 'vorl inspect' shows what else there is"
     printf '%s\n' '-----BEGIN CERTIFICATE-----' >pem
-    refuses 3 "'pem' is PEM text" \
-        "an envelope, a Diffie-Hellman record and a signature are explained; 'vorl inspect' shows what else there is" \
-        vorl explain pem
+    refuses 3 "'pem' is PEM text" "$hint" vorl explain pem
+    # Whatever it is explained with.
+    cp "$GROUP" group.pem
+    for options in "-p group.pem" "--signed note"; do
+        # shellcheck disable=SC2086
+        refuses 3 "'pem' is PEM text" "$hint" vorl explain $options pem
+    done
     octets 3006020117020105 >group
     refuses 3 "'group' looks like another kind of record: dh-params" \
         "'vorl inspect' shows it; if it is none, --as says what it is" vorl explain group

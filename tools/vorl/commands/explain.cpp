@@ -48,11 +48,41 @@ struct ExplainOptions {
     bool isJson = false;
 };
 
+[[noreturn]] void refuseTogether(const std::string& one, const std::string& other) {
+    throw ToolError(ExitStatus::USAGE, one + " and " + other + " are for records of different kinds",
+                    "leave one of them out");
+}
+
+// What the options say that the input is; empty where they leave it open, as the key of an envelope does.
+std::string givenKind(const ExplainOptions& options) {
+    std::string kind;
+    std::string told;
+    const auto tell = [&kind, &told](bool isGiven, const std::string& what, const std::string& its) {
+        if (!isGiven) {
+            return;
+        }
+        if (!kind.empty() && kind != its) {
+            refuseTogether(told, what);
+        }
+        kind = its;
+        told = what;
+    };
+    tell(!options.kind.empty(), "--as " + options.kind, options.kind);
+    tell(options.params.has_value(), "the group", "dh-record");
+    tell(options.publicKey.has_value(), "the public key", "signature");
+    tell(options.certificate.has_value(), "the certificate", "signature");
+    tell(options.signedInput.has_value(), "the signed input", "signature");
+    if (options.key.isGiven() && !kind.empty() && kind != "envelope") {
+        refuseTogether(told, "the key");
+    }
+    return kind;
+}
+
 // What shows nothing of itself is taken for an envelope; what can be printed, for the text of one.
-Report reportOf(const bytes& input, const ExplainOptions& options) {
-    Report report = inspectBytes(input, Secrets::HIDDEN, options.kind);
-    return report.kind == "unknown" && options.kind.empty() ? inspectBytes(input, Secrets::HIDDEN, "envelope")
-                                                            : report;
+Report reportOf(const bytes& input, const std::string& given) {
+    Report report = inspectBytes(input, Secrets::HIDDEN, given);
+    return report.kind == "unknown" && given.empty() ? inspectBytes(input, Secrets::HIDDEN, "envelope")
+                                                     : report;
 }
 
 // Of a text that does not decode, its first characters may.
@@ -64,19 +94,20 @@ std::string kindOfDamagedText(const bytes& text) {
 }
 
 // What explain takes an input for.
-std::string kindOf(const Report& report, const bytes& input, const ExplainOptions& options) {
+std::string kindOf(const Report& report, const bytes& input, const std::string& given,
+                   const std::string& path) {
     if (report.isPem) {
-        throw ToolError(ExitStatus::BAD_INPUT, inputName(options.input) + " is PEM text",
+        throw ToolError(ExitStatus::BAD_INPUT, inputName(path) + " is PEM text",
                         "an envelope, a Diffie-Hellman record and a signature are explained; 'vorl inspect' "
                         "shows what else there is");
     }
     if (report.kind == "unknown") {
         // Of an unknown version, or no record at all.
-        return !options.kind.empty() ? options.kind : kindOfDamagedText(input);
+        return !given.empty() ? given : kindOfDamagedText(input);
     }
     if (report.kind != "envelope" && report.kind != "dh-record" && report.kind != "signature") {
         throw ToolError(ExitStatus::BAD_INPUT,
-                        inputName(options.input) + " looks like another kind of record: " + report.kind,
+                        inputName(path) + " looks like another kind of record: " + report.kind,
                         "'vorl inspect' shows it; if it is none, --as says what it is");
     }
     return report.kind;
@@ -115,33 +146,22 @@ std::shared_ptr<PKSignatureProcessor> processorOf(const std::string& path) {
     return processor;
 }
 
-// What one kind of record is judged with, and another has no use for.
-void refuseUseless(bool isGiven, const ExplainOptions& options, const std::string& kind,
-                   const std::string& what) {
-    if (isGiven) {
-        throw ToolError(ExitStatus::USAGE,
-                        inputName(options.input) + " is no " + kind + ", and takes no " + what,
-                        "leave the " + what + " out");
-    }
-}
-
 class Explaining {
 public:
     explicit Explaining(const ExplainOptions& options)
         : options_(options),
+          given_(givenKind(options)),
           accepted_(acceptedLevels(options.accept)),
           key_(options.key.isGiven() ? options.key.load(levels().front().spec().keySize, options.input)
                                      : SecretBytes()),
           input_(readInput(options.input)),
-          report_(reportOf(input_, options)),
-          kind_(kindOf(report_, input_, options)),
+          report_(reportOf(input_, given_)),
+          kind_(kindOf(report_, input_, given_, options.input)),
           record_(report_.isBase64 ? decodeBase64Text(input_).data : input_) {
-        refuseUseless(kind_ != "envelope" && options.key.isGiven(), options, "envelope", "key");
-        refuseUseless(kind_ != "dh-record" && options.params, options, "Diffie-Hellman record", "group");
-        const bool isSignature = kind_ == "signature";
-        refuseUseless(!isSignature && options.publicKey, options, "signature record", "public key");
-        refuseUseless(!isSignature && options.certificate, options, "signature record", "certificate");
-        refuseUseless(!isSignature && options.signedInput, options, "signature record", "signed input");
+        if (kind_ != "envelope" && options.key.isGiven()) {
+            throw ToolError(ExitStatus::USAGE, inputName(options.input) + " is no envelope, and takes no key",
+                            "leave the key out");
+        }
     }
 
     ExitStatus run() {
@@ -208,6 +228,7 @@ private:
     }
 
     const ExplainOptions& options_;
+    const std::string given_;
     const std::vector<Level> accepted_;
     const SecretBytes key_;
     const bytes input_;

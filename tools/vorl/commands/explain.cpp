@@ -53,7 +53,7 @@ struct ExplainOptions {
                     "leave one of them out");
 }
 
-// What the options say that the input is; empty where they leave it open, as the key of an envelope does.
+// What the options say that the input is; empty where they leave it open.
 std::string givenKind(const ExplainOptions& options) {
     std::string kind;
     std::string told;
@@ -72,9 +72,7 @@ std::string givenKind(const ExplainOptions& options) {
     tell(options.publicKey.has_value(), "the public key", "signature");
     tell(options.certificate.has_value(), "the certificate", "signature");
     tell(options.signedInput.has_value(), "the signed input", "signature");
-    if (options.key.isGiven() && !kind.empty() && kind != "envelope") {
-        refuseTogether(told, "the key");
-    }
+    tell(options.key.isGiven(), "the key", "envelope");
     return kind;
 }
 
@@ -157,12 +155,7 @@ public:
           input_(readInput(options.input)),
           report_(reportOf(input_, given_)),
           kind_(kindOf(report_, input_, given_, options.input)),
-          record_(report_.isBase64 ? decodeBase64Text(input_).data : input_) {
-        if (kind_ != "envelope" && options.key.isGiven()) {
-            throw ToolError(ExitStatus::USAGE, inputName(options.input) + " is no envelope, and takes no key",
-                            "leave the key out");
-        }
-    }
+          record_(report_.isBase64 ? decodeBase64Text(input_).data : input_) {}
 
     ExitStatus run() {
         const Explanation explanation = explain();

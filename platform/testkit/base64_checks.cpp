@@ -14,19 +14,19 @@ namespace {
 
 const char ALPHABET[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-struct Vector {
+struct Base64Vector {
     const char* data;
     const char* text;
 };
 
 // RFC 4648, section 10.
-const Vector VECTORS[] = {{"", ""},
-                          {"f", "Zg=="},
-                          {"fo", "Zm8="},
-                          {"foo", "Zm9v"},
-                          {"foob", "Zm9vYg=="},
-                          {"fooba", "Zm9vYmE="},
-                          {"foobar", "Zm9vYmFy"}};
+const Base64Vector BASE64_VECTORS[] = {{"", ""},
+                                       {"f", "Zg=="},
+                                       {"fo", "Zm8="},
+                                       {"foo", "Zm9v"},
+                                       {"foob", "Zm9vYg=="},
+                                       {"fooba", "Zm9vYmE="},
+                                       {"foobar", "Zm9vYmFy"}};
 
 bytes fromText(const std::string& text) {
     return bytes(text.begin(), text.end());
@@ -64,8 +64,8 @@ void refusesEach(const Platform& platform, std::initializer_list<const char*> te
     }
 }
 
-void agreesWithPublishedVectors(const Platform& platform) {
-    for (const Vector& vector : VECTORS) {
+void encodesPublishedVectors(const Platform& platform) {
+    for (const Base64Vector& vector : BASE64_VECTORS) {
         require(doing("encode()", [&] { return platform.encode(fromText(vector.data)); }) ==
                     fromText(vector.text),
                 "encode() does not write " + shown(vector.data) + " as " + shown(vector.text));
@@ -138,7 +138,7 @@ void refusesBitsUnderThePadding(const Platform& platform) {
 std::vector<Check> base64Checks() {
     return {
         {"base64-agrees-with-published-vectors", "Base64 is that of the published vectors",
-         agreesWithPublishedVectors},
+         encodesPublishedVectors},
         {"base64-encodes-every-size", "Bytes of any number are encoded, with padding and without line breaks",
          encodesEverySize},
         {"base64-decodes-every-size", "Texts of any length are decoded", decodesEverySize},

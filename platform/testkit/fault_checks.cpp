@@ -12,7 +12,7 @@ using tarvik::crypto::ICipherContext;
 
 namespace {
 
-const std::size_t PLAIN_BYTES = 37;
+const std::size_t SEALED_BYTES = 37;
 
 // Last blocks that are no padding, by their last octets.
 const bytes NO_PADDING[] = {
@@ -51,7 +51,7 @@ void refusesPartsOfBlocks(const Platform& platform) {
     const Subject subject(platform);
     for (const Mode& mode : AES_MODES) {
         const bytes iv = ivOf(mode, 0);
-        const bytes ciphertext = subject.sealed(mode, FIRST_KEY, iv, octets(PLAIN_BYTES));
+        const bytes ciphertext = subject.sealed(mode, FIRST_KEY, iv, octets(SEALED_BYTES));
         for (const std::size_t size : {0U, 1U, 15U, 17U, 31U, 33U, 47U}) {
             const auto context = subject.context(mode);
             refusing(operation(mode, Direction::DECRYPT, size),
@@ -65,7 +65,7 @@ void anotherKeyDoesNotOpen(const Platform& platform) {
     for (const Mode& mode : AES_MODES) {
         for (unsigned char first = 0; first < 8; ++first) {
             const bytes iv = ivOf(mode, first);
-            const bytes plain(PLAIN_BYTES, first);
+            const bytes plain(SEALED_BYTES, first);
             // By the platform itself: one that takes every key for the same opens what it has sealed.
             const bytes ciphertext = doing(operation(mode, Direction::ENCRYPT, plain.size()), [&] {
                 return operate(*subject.context(mode), Direction::ENCRYPT, iv, plain);
@@ -83,7 +83,7 @@ void anotherKeyDoesNotOpen(const Platform& platform) {
 void worksInBothDirections(const Subject& subject, const Mode& mode, ICipherContext& context,
                            const std::string& when) {
     const bytes iv = ivOf(mode, 9);
-    const bytes plain = octets(PLAIN_BYTES);
+    const bytes plain = octets(SEALED_BYTES);
     const std::string encrypting = operation(mode, Direction::ENCRYPT, plain.size()) + " " + when;
     const bytes ciphertext =
         doing(encrypting, [&] { return operate(context, Direction::ENCRYPT, iv, plain); });

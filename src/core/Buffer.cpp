@@ -14,7 +14,7 @@ namespace vorl {
 namespace {
 
 const std::uint64_t SMALLEST_GROWN_SIZE = 1024;
-const char TOO_LONG[] = "Buffer: an index would pass 2^32-1";
+const char INDEX_TOO_LARGE[] = "Buffer: an index would pass 2^32-1";
 
 }  // namespace
 
@@ -22,9 +22,9 @@ Buffer::Buffer(unsigned int size) : data_(size) {}
 
 Buffer::Buffer(const unsigned char* p, unsigned int n) : widx_(n), data_(p, p + n) {}
 
-Buffer::Buffer(const bytes& v) : widx_(index32(v.size(), TOO_LONG)), data_(v) {}
+Buffer::Buffer(const bytes& v) : widx_(index32(v.size(), INDEX_TOO_LARGE)), data_(v) {}
 
-Buffer::Buffer(bytes&& v) : widx_(index32(v.size(), TOO_LONG)), data_(std::move(v)) {}
+Buffer::Buffer(bytes&& v) : widx_(index32(v.size(), INDEX_TOO_LARGE)), data_(std::move(v)) {}
 
 Buffer::Buffer(Buffer&& other) noexcept
     : ridx_(std::exchange(other.ridx_, 0)),
@@ -132,7 +132,7 @@ void Buffer::truncate(unsigned int end) {
 }
 
 void Buffer::append(const unsigned char* p, std::uint64_t n) {
-    const unsigned int end = index32(widx_ + n, TOO_LONG);
+    const unsigned int end = index32(widx_ + n, INDEX_TOO_LARGE);
     const std::uint64_t room = data_.size() - widx_;
     if (n > room) {
         resize(static_cast<unsigned int>(n - room));

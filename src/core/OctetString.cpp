@@ -12,14 +12,14 @@ namespace vorl {
 
 namespace {
 
-const char TOO_LONG[] = "OctetString: more than 2^32-1 octets";
+const char TOO_MANY_OCTETS[] = "OctetString: more than 2^32-1 octets";
 
 }  // namespace
 
 OctetString::OctetString(const bytes& v) : OctetString(bytes(v)) {}
 
 OctetString::OctetString(bytes&& v) : val_(std::move(v)) {
-    index32(val_.size(), TOO_LONG);
+    index32(val_.size(), TOO_MANY_OCTETS);
 }
 
 std::string OctetString::toFormatString(const std::string& name, unsigned int width, unsigned int level,
@@ -42,7 +42,7 @@ std::string OctetString::getName() const {
 }
 
 void OctetString::setVal(const bytes& val) {
-    index32(val.size(), TOO_LONG);
+    index32(val.size(), TOO_MANY_OCTETS);
     val_ = val;
 }
 

@@ -28,7 +28,7 @@ std::shared_ptr<RSA> rsaOf(const EVP_PKEY* pkey) {
     return rsa && RSA_get0_n(rsa.get()) != nullptr ? rsa : nullptr;
 }
 
-[[noreturn]] void fail(const char* context, int line, const char* function) {
+[[noreturn]] void failInKey(const char* context, int line, const char* function) {
     OpenSSLException::throw_message(context, "OpenSSLPKey", line, function);
 }
 
@@ -75,14 +75,15 @@ std::shared_ptr<EVP_PKEY> OpenSSLPKey::duplicate(const EVP_PKEY* pkey) {
     algo(pkey);
     std::shared_ptr<EVP_PKEY> copy = safe_ptr(EVP_PKEY_new());
     if (!copy) {
-        fail("EVP_PKEY_new() in OpenSSLPKey::duplicate()", __LINE__, __func__);
+        failInKey("EVP_PKEY_new() in OpenSSLPKey::duplicate()", __LINE__, __func__);
     }
     const std::shared_ptr<RSA> rsa = rsaOf(pkey);
     if (!rsa) {
-        fail("EVP_PKEY_get1_RSA(pkey) in OpenSSLPKey::duplicate()", __LINE__, __func__);
+        failInKey("EVP_PKEY_get1_RSA(pkey) in OpenSSLPKey::duplicate()", __LINE__, __func__);
     }
     if (EVP_PKEY_set1_RSA(copy.get(), rsa.get()) == 0) {
-        fail("EVP_PKEY_set1_RSA(pkey_new.get(), rsa.get()) in OpenSSLPKey::duplicate()", __LINE__, __func__);
+        failInKey("EVP_PKEY_set1_RSA(pkey_new.get(), rsa.get()) in OpenSSLPKey::duplicate()", __LINE__,
+                  __func__);
     }
     return copy;
 }
@@ -90,7 +91,7 @@ std::shared_ptr<EVP_PKEY> OpenSSLPKey::duplicate(const EVP_PKEY* pkey) {
 std::shared_ptr<RSA> OpenSSLPKey::toRSA() const {
     std::shared_ptr<RSA> rsa = rsaOf(pkey_.get());
     if (!rsa) {
-        fail("EVP_PKEY_get1_RSA(pkey) in OpenSSLPKey::toRSA()", __LINE__, __func__);
+        failInKey("EVP_PKEY_get1_RSA(pkey) in OpenSSLPKey::toRSA()", __LINE__, __func__);
     }
     return rsa;
 }
@@ -109,17 +110,17 @@ std::string OpenSSLPKey::print(const EVP_PKEY* pkey, unsigned int indent) {
     }
     const std::shared_ptr<RSA> rsa = rsaOf(pkey);
     if (!rsa) {
-        fail("EVP_PKEY_get1_RSA() in OpenSSLPKey::print(pkey)", __LINE__, __func__);
+        failInKey("EVP_PKEY_get1_RSA() in OpenSSLPKey::print(pkey)", __LINE__, __func__);
     }
     // OpenSSL counts in ints.
     const auto maxIndent = static_cast<unsigned int>(std::numeric_limits<int>::max());
     const std::shared_ptr<BIO> bio = newMemoryBio();
     if (!bio || RSA_print(bio.get(), rsa.get(), static_cast<int>(std::min(indent, maxIndent))) == 0) {
-        fail("RSA_print() in OpenSSLPKey::print(pkey)", __LINE__, __func__);
+        failInKey("RSA_print() in OpenSSLPKey::print(pkey)", __LINE__, __func__);
     }
     std::string text;
     if (!readPending(bio.get(), text)) {
-        fail("BIO_read() in OpenSSLPKey::print(pkey)", __LINE__, __func__);
+        failInKey("BIO_read() in OpenSSLPKey::print(pkey)", __LINE__, __func__);
     }
     return text;
 }

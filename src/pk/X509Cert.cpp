@@ -21,7 +21,7 @@ namespace vorl {
 
 namespace {
 
-[[noreturn]] void fail(const char* context, int line, const char* function) {
+[[noreturn]] void failInCert(const char* context, int line, const char* function) {
     OpenSSLException::throw_message(context, "X509Cert", line, function);
 }
 
@@ -30,15 +30,15 @@ const ASN1_STRING* firstCommonName(X509* x509, const char* function) {
     X509_NAME* const subject = X509_get_subject_name(x509);
     const int index = X509_NAME_get_index_by_NID(subject, NID_commonName, -1);
     if (index == -1) {
-        fail("X509_NAME_get_index_by_NID(sn, NID_commonName, -1)", __LINE__, function);
+        failInCert("X509_NAME_get_index_by_NID(sn, NID_commonName, -1)", __LINE__, function);
     }
     X509_NAME_ENTRY* const entry = X509_NAME_get_entry(subject, index);
     if (entry == nullptr) {
-        fail("X509_NAME_get_entry(sn, cn_idx)", __LINE__, function);
+        failInCert("X509_NAME_get_entry(sn, cn_idx)", __LINE__, function);
     }
     const ASN1_STRING* const name = X509_NAME_ENTRY_get_data(entry);
     if (name == nullptr) {
-        fail("X509_NAME_ENTRY_get_data(cn_entry)", __LINE__, function);
+        failInCert("X509_NAME_ENTRY_get_data(cn_entry)", __LINE__, function);
     }
     return name;
 }
@@ -68,7 +68,7 @@ std::shared_ptr<X509Cert> X509Cert::loadFromPEMBIO(const std::shared_ptr<BIO>& b
     std::shared_ptr<X509> x509 =
         safe_ptr(bio ? PEM_read_bio_X509(bio.get(), nullptr, refusePassword, nullptr) : nullptr);
     if (!x509) {
-        fail("PEM_read_bio_X509()", __LINE__, __func__);
+        failInCert("PEM_read_bio_X509()", __LINE__, __func__);
     }
     return std::make_shared<X509Cert>(std::move(x509));
 }
@@ -76,7 +76,7 @@ std::shared_ptr<X509Cert> X509Cert::loadFromPEMBIO(const std::shared_ptr<BIO>& b
 std::shared_ptr<X509Cert> X509Cert::loadFromPEMFile(const std::string& path) {
     const std::shared_ptr<BIO> bio = safe_ptr(BIO_new_file(path.c_str(), "r"));
     if (!bio) {
-        fail("BIO_new_file()", __LINE__, __func__);
+        failInCert("BIO_new_file()", __LINE__, __func__);
     }
     return loadFromPEMBIO(bio);
 }
@@ -84,7 +84,7 @@ std::shared_ptr<X509Cert> X509Cert::loadFromPEMFile(const std::string& path) {
 std::shared_ptr<X509Cert> X509Cert::loadFromPEMStr(const std::string& pem) {
     const std::shared_ptr<BIO> bio = memoryBioOver(pem);
     if (!bio) {
-        fail("BIO_new_mem_buf()", __LINE__, __func__);
+        failInCert("BIO_new_mem_buf()", __LINE__, __func__);
     }
     return loadFromPEMBIO(bio);
 }
@@ -94,7 +94,7 @@ std::shared_ptr<X509Cert> X509Cert::decode(const bytes& der) {
     std::shared_ptr<X509> x509 =
         safe_ptr(!der.empty() ? d2i_X509(nullptr, &at, static_cast<long>(der.size())) : nullptr);
     if (!x509) {
-        fail("d2i_X509()", __LINE__, __func__);
+        failInCert("d2i_X509()", __LINE__, __func__);
     }
     return std::make_shared<X509Cert>(std::move(x509));
 }
@@ -106,7 +106,7 @@ std::shared_ptr<X509Cert> X509Cert::decodeB64(const bytes& text) {
 bytes X509Cert::encode() const {
     const int expected = i2d_X509(x509_.get(), nullptr);
     if (expected < 0) {
-        fail("i2d_X509(x509_, NULL)", __LINE__, __func__);
+        failInCert("i2d_X509(x509_, NULL)", __LINE__, __func__);
     }
     bytes der(static_cast<std::size_t>(expected));
     unsigned char* at = der.data();
@@ -115,7 +115,7 @@ bytes X509Cert::encode() const {
         const std::string mismatch =
             "mismatch of encode length returned by i2d_X509; expected: " + std::to_string(expected) +
             ", actual: " + std::to_string(actual);
-        fail(mismatch.c_str(), __LINE__, __func__);
+        failInCert(mismatch.c_str(), __LINE__, __func__);
     }
     return der;
 }
@@ -127,7 +127,7 @@ bytes X509Cert::encodeB64() const {
 std::shared_ptr<PubKey> X509Cert::getPubKey() const {
     const std::shared_ptr<EVP_PKEY> pkey = safe_ptr(X509_get_pubkey(x509_.get()));
     if (!pkey) {
-        fail("X509_get_pubkey(x509_)", __LINE__, __func__);
+        failInCert("X509_get_pubkey(x509_)", __LINE__, __func__);
     }
     return std::make_shared<PubKey>(pkey);
 }
@@ -140,7 +140,7 @@ bytes X509Cert::getCommonName() const {
     }
     std::string text;
     if (!bio || !copyContent(bio.get(), text)) {
-        fail("BIO_get_mem_data(bio.get(), &data)", __LINE__, __func__);
+        failInCert("BIO_get_mem_data(bio.get(), &data)", __LINE__, __func__);
     }
     return bytes(text.begin(), text.end());
 }
@@ -148,11 +148,11 @@ bytes X509Cert::getCommonName() const {
 bool X509Cert::isTimeValid() const {
     const ASN1_TIME* const notBefore = X509_get0_notBefore(x509_.get());
     if (notBefore == nullptr) {
-        fail("X509_get_notBefore(x509_)", __LINE__, __func__);
+        failInCert("X509_get_notBefore(x509_)", __LINE__, __func__);
     }
     const ASN1_TIME* const notAfter = X509_get0_notAfter(x509_.get());
     if (notAfter == nullptr) {
-        fail("X509_get_notAfter(x509_)", __LINE__, __func__);
+        failInCert("X509_get_notAfter(x509_)", __LINE__, __func__);
     }
     const int begun = X509_cmp_current_time(notBefore);
     if (begun > 0) {
@@ -162,7 +162,7 @@ bool X509Cert::isTimeValid() const {
     if (begun == 0 || ended == 0) {
         // One wording, which names notBefore, serves both bounds on purpose.
         const std::string context = "X509_cmp_current_time(notBefore) for X509Cert:\n" + toString();
-        fail(context.c_str(), __LINE__, __func__);
+        failInCert(context.c_str(), __LINE__, __func__);
     }
     return ended > 0;
 }
@@ -176,7 +176,7 @@ std::string X509Cert::print(const ASN1_TIME* time) {
     }
     std::string text;
     if (!bio || !readPending(bio.get(), text)) {
-        fail("BIO_read() in X509Cert::print(ASN1_TIME*)", __LINE__, __func__);
+        failInCert("BIO_read() in X509Cert::print(ASN1_TIME*)", __LINE__, __func__);
     }
     return text;
 }
@@ -184,11 +184,11 @@ std::string X509Cert::print(const ASN1_TIME* time) {
 std::string X509Cert::toString() const {
     const std::shared_ptr<BIO> bio = newMemoryBio();
     if (!bio || !printCertificate(bio.get(), x509_.get())) {
-        fail("X509_print_ex()", __LINE__, __func__);
+        failInCert("X509_print_ex()", __LINE__, __func__);
     }
     std::string text;
     if (!copyContent(bio.get(), text)) {
-        fail("BIO_get_mem_data(bio.get(), &certdata)", __LINE__, __func__);
+        failInCert("BIO_get_mem_data(bio.get(), &certdata)", __LINE__, __func__);
     }
     return text;
 }

@@ -20,7 +20,7 @@ using Tarvik::BrisClient::Base64;
 namespace {
 
 const std::uint64_t MIN_RECORD_BYTES = 125;
-const unsigned int VERSION_BYTES = 4;
+const unsigned int DH_VERSION_BYTES = 4;
 const std::uint64_t MIN_KEY_BYTES = 120;
 const std::uint64_t MAX_KEY_BYTES = 129;
 
@@ -95,7 +95,7 @@ bool isReadable(const bytes& record) {
 }
 
 void readVersion(FieldReader& reader, const bytes& record, StepWalk& walk) {
-    reader.readBytes("version", VERSION_BYTES);
+    reader.readBytes("version", DH_VERSION_BYTES);
     if (beginsAsDhRecord(record)) {
         walk.pass();
     } else {
@@ -123,7 +123,7 @@ std::uint64_t readKey(const bytes& record, StepWalk& walk) {
     return keyBytes.value_or(0);
 }
 
-void walkThrough(const Explained& input, StepWalk& walk) {
+void walkThroughRecord(const Explained& input, StepWalk& walk) {
     if (input.fault) {
         walk.refuse(input.fault->offset, input.fault->text);
         return;
@@ -137,7 +137,7 @@ void walkThrough(const Explained& input, StepWalk& walk) {
     walk.pass();
     const std::uint64_t keyBytes = readKey(record, walk);
     if (keyBytes < MIN_KEY_BYTES || keyBytes > MAX_KEY_BYTES) {
-        walk.refuse(VERSION_BYTES, "it has " + bytesText(keyBytes));
+        walk.refuse(DH_VERSION_BYTES, "it has " + bytesText(keyBytes));
     }
     walk.pass();
 }
@@ -165,7 +165,7 @@ bytes keyIn(const bytes& record) {
 
 void warnOfNumber(const bytes& record, const std::string& name, StepWalk& walk) {
     walk.warn(
-        isOfBareKeySize(record) ? 0 : VERSION_BYTES,
+        isOfBareKeySize(record) ? 0 : DH_VERSION_BYTES,
         (name.empty() ? "it has no place in the group" : "it is " + name) +
             ": OpenSSL computes nothing with it, and the library gives out 128 zero bytes as the secret, "
             "which anybody knows");
@@ -191,7 +191,7 @@ Explanation explainDhRecord(const Explained& record, const std::optional<PeerGro
     const std::optional<bytes> prime =
         group ? std::make_optional(numbersOf(group->params).prime) : std::nullopt;
     StepWalk walk(dhRecordSteps());
-    walkThrough(record, walk);
+    walkThroughRecord(record, walk);
     const std::size_t passed = walk.passed();
     checkGroup(prime, group && group->hasFaults, walk);
     const Answer answer =

@@ -43,7 +43,7 @@ std::string formFault(const bytes& record) {
 }
 
 // The size of the value.
-std::uint64_t walkThrough(const Explained& input, StepWalk& walk) {
+std::uint64_t walkThroughSignature(const Explained& input, StepWalk& walk) {
     Report fields;
     FieldReader reader(input.record, fields);
     if (input.fault || reader.atEnd()) {
@@ -111,7 +111,7 @@ void checkMatch(bool isVerified, const Verification& verification, StepWalk& wal
 
 Explanation explainSignature(const Explained& record, const Verification& verification) {
     StepWalk walk(signatureSteps());
-    const std::uint64_t valueBytes = walkThrough(record, walk);
+    const std::uint64_t valueBytes = walkThroughSignature(record, walk);
     // A text is asked about as it is.
     const std::string text = formFault(record.fault ? Base64::decode(record.text) : record.record);
     bool agrees = text.empty() == (walk.passed() >= END);

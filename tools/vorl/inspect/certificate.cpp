@@ -2,6 +2,7 @@
 
 #include "inspect/asn1_time.h"
 #include "inspect/base64_text.h"
+#include "inspect/der.h"
 #include "inspect/numbers.h"
 #include "inspect/openssl_key.h"
 #include "inspect/pem_content.h"
@@ -27,10 +28,8 @@ namespace vorl::tool {
 
 namespace {
 
-const unsigned char DER_SEQUENCE = 0x30;
-
 template <class Read>
-ReadCertificate attempt(const Read& read) {
+ReadCertificate attemptCertificate(const Read& read) {
     try {
         return {read(), ""};
     } catch (const OpenSSLException& fault) {
@@ -39,11 +38,11 @@ ReadCertificate attempt(const Read& read) {
 }
 
 ReadCertificate certificateInPem(const bytes& text) {
-    return attempt([&text] { return X509Cert::loadFromPEMBIO(bioOver(text)); });
+    return attemptCertificate([&text] { return X509Cert::loadFromPEMBIO(bioOver(text)); });
 }
 
 ReadCertificate certificateInDer(const bytes& record) {
-    return attempt([&record] { return X509Cert::decode(record); });
+    return attemptCertificate([&record] { return X509Cert::decode(record); });
 }
 
 // After RFC 2253, so that it is ASCII, whatever is in it.
@@ -146,8 +145,7 @@ bool isCertificateLabel(const std::string& label) {
 }
 
 bool isCertificateInDer(const bytes& record) {
-    return !record.empty() && record.front() == DER_SEQUENCE &&
-           certificateInDer(record).certificate != nullptr;
+    return beginsSequence(record) && certificateInDer(record).certificate != nullptr;
 }
 
 void inspectCertificateInPem(const bytes& text, Report& report) {

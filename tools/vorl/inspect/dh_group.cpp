@@ -1,6 +1,7 @@
 #include "inspect/dh_group.h"
 
 #include "inspect/base64_text.h"
+#include "inspect/der.h"
 #include "inspect/dh_numbers.h"
 #include "inspect/number_blocks.h"
 #include "inspect/pem_text.h"
@@ -15,10 +16,8 @@ namespace vorl::tool {
 
 namespace {
 
-const unsigned char DER_SEQUENCE = 0x30;
-
 template <class Read>
-ReadGroup attempt(const Read& read) {
+ReadGroup attemptGroup(const Read& read) {
     ReadGroup result;
     try {
         result.group = read();
@@ -31,16 +30,16 @@ ReadGroup attempt(const Read& read) {
 }
 
 ReadGroup groupInPem(const bytes& text) {
-    return attempt(
+    return attemptGroup(
         [&text] { return std::make_unique<DiffieHellmanParams>(std::string(text.begin(), text.end())); });
 }
 
 ReadGroup groupInDer(const bytes& record) {
-    return attempt([&record] { return std::make_unique<DiffieHellmanParams>(record); });
+    return attemptGroup([&record] { return std::make_unique<DiffieHellmanParams>(record); });
 }
 
 ReadGroup groupInBlocks(const bytes& record) {
-    return attempt([&record] {
+    return attemptGroup([&record] {
         Buffer in(record);
         return DiffieHellmanParams::decode(in);
     });
@@ -66,7 +65,7 @@ bool isGroupLabel(const std::string& label) {
 }
 
 bool isGroupInDer(const bytes& record) {
-    return !record.empty() && record.front() == DER_SEQUENCE && groupInDer(record).group != nullptr;
+    return beginsSequence(record) && groupInDer(record).group != nullptr;
 }
 
 void inspectGroupInPem(const bytes& text, Report& report) {

@@ -27,7 +27,7 @@ const std::uint64_t MIN_KEY_BYTES = 120;
 const std::uint64_t MAX_KEY_BYTES = 129;
 
 // What the library says against the form of a record; empty where it reads it.
-std::string formFault(const bytes& record) {
+std::string dhRecordFault(const bytes& record) {
     try {
         Buffer in(record);
         DHPubKey().decode(in);
@@ -68,8 +68,8 @@ std::optional<std::uint64_t> readFields(FieldReader& reader, const bytes& record
     return std::nullopt;
 }
 
-void askLibrary(const bytes& record, Report& report) {
-    report.libraryVerdict = formFault(record);
+void askLibraryOfRecord(const bytes& record, Report& report) {
+    report.libraryVerdict = dhRecordFault(record);
     report.agreesWithLibrary = report.libraryVerdict.empty() != report.problem.has_value();
 }
 
@@ -81,7 +81,7 @@ void checkKey(std::uint64_t keyBytes, FieldReader& reader) {
     }
 }
 
-void tellUnknown(const bytes& record, Report& report) {
+void tellUnknownOfRecord(const bytes& record, Report& report) {
     report.unknown = {"which group the key is for, and whether OpenSSL takes it for one of that group",
                       "who made it, and whether it was changed since: a record carries no signature"};
     if (isOfBareKeySize(record)) {
@@ -111,12 +111,12 @@ void inspectDhRecord(const bytes& record, Report& report) {
         reader.setProblem(record.size(), "the record ends here; it has " + bytesText(record.size()) +
                                              ", and none has fewer than 125");
     }
-    askLibrary(record, report);
+    askLibraryOfRecord(record, report);
     if (keyBytes) {
         report.facts.push_back({"keyBytes", "bytes in the key", *keyBytes});
         checkKey(*keyBytes, reader);
     }
-    tellUnknown(record, report);
+    tellUnknownOfRecord(record, report);
 }
 
 }  // namespace vorl::tool

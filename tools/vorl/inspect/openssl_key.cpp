@@ -1,5 +1,6 @@
 #include "inspect/openssl_key.h"
 
+#include "inspect/der.h"
 #include "shared/SecretBytes.h"
 #include "vorl/DigestAlgo.h"
 #include "vorl/Digester.h"
@@ -23,8 +24,6 @@ namespace vorl::tool {
 
 namespace {
 
-const unsigned char DER_SEQUENCE = 0x30;
-
 // An RSA key of 16384 bits, the largest that OpenSSL computes with, has less than 10 KiB; of other
 // algorithms, none in use has 2 KiB.
 const std::size_t MAX_RSA_KEY_BYTES = std::size_t{16} * 1024;
@@ -44,7 +43,7 @@ const AlgorithmName ALGORITHM_NAMES[] = {
 // Reads all of `der` as one object; what OpenSSL has to say about a failure is nobody's concern.
 template <class Read>
 OpenSSLKey keyIn(const bytes& der, const Read& read) {
-    if (der.empty() || der.front() != DER_SEQUENCE) {
+    if (!beginsSequence(der)) {
         return nullptr;
     }
     const unsigned char* at = der.data();

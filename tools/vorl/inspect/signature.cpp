@@ -27,7 +27,7 @@ const unsigned char VERSION = 1;
 const std::size_t USUAL_VALUE_BYTES[] = {128, 256, 384, 512};
 
 // What the library says against a record; empty where it reads it, whatever follows.
-std::string formFault(const bytes& record) {
+std::string signatureFault(const bytes& record) {
     try {
         PKSignature::decode(record);
         return "";
@@ -57,7 +57,7 @@ void addSizes(std::uint64_t valueBytes, Report& report) {
     }
 }
 
-void readTrailer(FieldReader& reader) {
+void readSignatureTrailer(FieldReader& reader) {
     const std::uint64_t end = reader.offset();
     reader.readRest("trailing", "belongs to nothing");
     if (reader.offset() > end) {
@@ -65,12 +65,12 @@ void readTrailer(FieldReader& reader) {
     }
 }
 
-void askLibrary(const bytes& record, Report& report) {
-    report.libraryVerdict = formFault(record);
+void askLibraryOfSignature(const bytes& record, Report& report) {
+    report.libraryVerdict = signatureFault(record);
     report.agreesWithLibrary = report.libraryVerdict.empty() != report.problem.has_value();
 }
 
-void tellUnknown(const bytes& record, Report& report) {
+void tellUnknownOfSignature(const bytes& record, Report& report) {
     const Level* const level = levelOfVersion(record.front());
     if (level != nullptr && !openingFault(record, level->spec())) {
         report.unknown.push_back("whether it is a signature at all: an envelope of the level " + level->name +
@@ -92,7 +92,7 @@ bool isSignatureOfUsualSize(const bytes& record) {
 }
 
 bool canBeReadAsSignature(const bytes& record) {
-    return formFault(record).empty();
+    return signatureFault(record).empty();
 }
 
 void inspectSignature(const bytes& record, Report& report) {
@@ -104,14 +104,14 @@ void inspectSignature(const bytes& record, Report& report) {
     if (!report.problem) {
         valueBytes = reader.readBlock("value", "signature value");
     }
-    askLibrary(record, report);
+    askLibraryOfSignature(record, report);
     if (valueBytes) {
         addSizes(*valueBytes, report);
-        readTrailer(reader);
+        readSignatureTrailer(reader);
     } else {
         reader.readRest("unread", "cannot be read because of the fault before it");
     }
-    tellUnknown(record, report);
+    tellUnknownOfSignature(record, report);
 }
 
 }  // namespace vorl::tool

@@ -24,22 +24,22 @@ const std::uint64_t MAX_INPUT_BYTES = std::numeric_limits<std::uint32_t>::max();
 const std::uint64_t MAX_SMALL_INPUT_BYTES = std::uint64_t{1} << 20;
 const std::size_t PIECE_BYTES = std::size_t{64} * 1024;
 
-[[noreturn]] void refuse(const std::string& path, const std::string& why) {
+[[noreturn]] void refuseInput(const std::string& path, const std::string& why) {
     throw ToolError(ExitStatus::BAD_INPUT, "cannot read " + inputName(path) + ": " + why);
 }
 
 [[noreturn]] void refuseSize(const std::string& path, std::uint64_t maxBytes) {
-    refuse(path, "it is larger than " + std::to_string(maxBytes) + " bytes, which is more than " +
-                     (maxBytes == MAX_INPUT_BYTES ? "the formats can hold" : "is ever needed"));
+    refuseInput(path, "it is larger than " + std::to_string(maxBytes) + " bytes, which is more than " +
+                          (maxBytes == MAX_INPUT_BYTES ? "the formats can hold" : "is ever needed"));
 }
 
 struct stat statusOf(int fd, const std::string& path) {
     struct stat status {};
     if (fstat(fd, &status) != 0) {
-        refuse(path, systemText(errno));
+        refuseInput(path, systemText(errno));
     }
     if (S_ISDIR(status.st_mode)) {
-        refuse(path, "it is a directory");
+        refuseInput(path, "it is a directory");
     }
     return status;
 }
@@ -67,7 +67,7 @@ void resize(bytes& content, std::uint64_t size) {
 std::size_t readPiece(int fd, const std::string& path, void* data, std::size_t size) {
     const std::ptrdiff_t received = readSome(fd, data, size);
     if (received < 0) {
-        refuse(path, systemText(errno));
+        refuseInput(path, systemText(errno));
     }
     return static_cast<std::size_t>(received);
 }
@@ -101,7 +101,7 @@ void withDescriptor(const std::string& path, const std::function<void(int fd)>& 
     }
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file.isOpen()) {
-        refuse(path, systemText(errno));
+        refuseInput(path, systemText(errno));
     }
     read(file.get());
 }
@@ -112,7 +112,7 @@ bytes readUpTo(const std::string& path, std::uint64_t maxBytes) {
         withDescriptor(path, [&](int fd) { content = readAll(fd, path, maxBytes); });
         return content;
     } catch (const std::bad_alloc&) {
-        refuse(path, "it does not fit in memory");
+        refuseInput(path, "it does not fit in memory");
     }
 }
 

@@ -24,13 +24,13 @@ namespace {
 
 const mode_t ANY_MODE = 0777;
 
-[[noreturn]] void refuse(const std::string& name, const std::string& why) {
+[[noreturn]] void refuseOutput(const std::string& name, const std::string& why) {
     throw ToolError(ExitStatus::FAULT, "cannot write " + name + ": " + why);
 }
 
 void writeStandardOutput(const void* data, std::size_t size) {
     if (!writeAll(STDOUT_FILENO, data, size)) {
-        refuse("standard output", systemText(errno));
+        refuseOutput("standard output", systemText(errno));
     }
 }
 
@@ -52,7 +52,7 @@ mode_t modeFor(Readers readers) {
 void writeDirectly(const std::string& path, const bytes& data) {
     Descriptor device(open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
     if (!device.isOpen() || !writeAll(device.get(), data.data(), data.size()) || !device.close()) {
-        refuse("'" + path + "'", systemText(errno));
+        refuseOutput("'" + path + "'", systemText(errno));
     }
 }
 
@@ -76,11 +76,11 @@ public:
         struct stat status {};
         const bool exists = stat(path.c_str(), &status) == 0;
         if (!exists && errno != ENOENT) {
-            refuse(name(), systemText(errno));
+            refuseOutput(name(), systemText(errno));
         }
         // What such a link is for is not known, so that it is neither replaced nor brought to life.
         if (!exists && isDanglingLink(path)) {
-            refuse(name(), "it is a link to something that is not there");
+            refuseOutput(name(), "it is a link to something that is not there");
         }
         orRefuse([&] {
             if (!exists) {
@@ -126,19 +126,19 @@ private:
         try {
             step();
         } catch (const std::system_error& error) {
-            refuse(name(), systemText(error.code().value()));
+            refuseOutput(name(), systemText(error.code().value()));
         }
     }
 
     void prepareExisting(const struct stat& status, Readers readers) {
         if (S_ISDIR(status.st_mode)) {
-            refuse(name(), "it is a directory");
+            refuseOutput(name(), "it is a directory");
         }
         isStandardOutput_ = isStandardOutput(status);
         if (!isStandardOutput_ && S_ISREG(status.st_mode)) {
             // The folder alone decides on a renaming, which would let it pass over a file that is protected.
             if (faccessat(AT_FDCWD, path_.c_str(), W_OK, AT_EACCESS) != 0) {
-                refuse(name(), systemText(errno));
+                refuseOutput(name(), systemText(errno));
             }
             prepareFile(readers, status.st_mode);
         }

@@ -13,7 +13,7 @@ namespace vorl::tool {
 namespace {
 
 // As much as a reader compares by eye.
-const std::size_t MAX_SHOWN_BYTES = 300;
+const std::size_t MAX_WRITTEN_BYTES = 300;
 
 std::string sha256(const bytes& data) {
     Digester digester(DigestAlgo::SHA256());
@@ -48,7 +48,7 @@ bytes bytesOf(const std::string& text) {
 }
 
 void addBytes(Json& json, const std::string& name, const bytes& data) {
-    if (data.size() <= MAX_SHOWN_BYTES) {
+    if (data.size() <= MAX_WRITTEN_BYTES) {
         json[name] = hexOf(data);
     } else {
         json[name + "Sha256"] = sha256(data);
@@ -56,7 +56,7 @@ void addBytes(Json& json, const std::string& name, const bytes& data) {
 }
 
 void addText(Json& json, const std::string& name, const bytes& text) {
-    if (text.size() <= MAX_SHOWN_BYTES * 3 / 2) {
+    if (text.size() <= MAX_WRITTEN_BYTES * 3 / 2) {
         json[name] = textOf(text);
     } else {
         json[name + "Sha256"] = sha256(text);

@@ -136,8 +136,10 @@ load dh_support
     octets "3082$(printf %04x $((${#info} / 2)))$info" | openssl pkey -pubin -inform DER -out own.pem
     openssl pkeyutl -derive -inkey peer.pem -peerkey own.pem -out expected
     local peer
-    peer=$(openssl pkey -in peer.pem -pubout -outform DER | tail -c 128 | hex)
-    succeeds vorl dh secret state "$(octets "000000028080$peer" | base64_text)" -o secret
+    # What is in the BIT STRING behind the parameters of this group: an INTEGER without leading zeros.
+    peer=$(openssl pkey -in peer.pem -pubout -outform DER | openssl asn1parse -inform DER -strparse 156 |
+        sed -n 's/.*INTEGER *://p')
+    succeeds vorl dh secret state "$(peer_text "$peer")" -o secret
     # OpenSSL's command leaves leading zeros out as well; the library overwrites the last byte of 128.
     equals "$(part secret 0 120 | hex)" "$(head -c 120 expected | hex)"
 }

@@ -18,7 +18,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -60,9 +59,7 @@ DiffieHellman ownPair() {
 
 class DiffieHellmanInstrumentation : public ::testing::Test {
 protected:
-    // The files are named after the second. Other tests may run at the same time, in processes of their own.
     void SetUp() override {
-        clock_.advance(::getpid());
         removeFiles();
         Env::setInstrumentation(DIFFIE_HELLMAN, true);
     }

@@ -192,9 +192,7 @@ TEST(DiffieHellmanMemory, HoldsNoSecretThatIsNotHandedOut) {
 
 class DiffieHellmanInstrumentationMemory : public ::testing::Test {
 protected:
-    // The file is named after the second. Other tests may run at the same time, in processes of their own.
     void SetUp() override {
-        clock_.advance(::getpid());
         ::unlink(path().c_str());
         Env::setInstrumentation(DIFFIE_HELLMAN, true);
     }

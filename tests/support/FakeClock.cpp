@@ -1,6 +1,7 @@
 #include "FakeClock.h"
 
 #include <sys/time.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <ctime>
@@ -9,9 +10,12 @@ namespace {
 
 // The Unix epoch itself stands for "the real time".
 std::atomic<long long> shownSecond{0};
-std::atomic<long long> nextStart{1262304000};
 
-const long long SECONDS_FOR_ONE_CLOCK = 1000;
+// Files are named after the second. Programs that run at the same time have seconds of their own, as far as
+// 32 bits reach, and so has each clock of a program.
+const long long SECONDS_FOR_ONE_CLOCK = 100;
+const long long SECONDS_FOR_ONE_PROGRAM = 20'000;
+std::atomic<long long> nextStart{1262304000 + ::getpid() % 32'768 * SECONDS_FOR_ONE_PROGRAM};
 
 }  // namespace
 
